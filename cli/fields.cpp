@@ -1,0 +1,152 @@
+#include "cli/fields.h"
+
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace krl::cli {
+namespace {
+
+std::string Lower(std::string s) {
+  for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return s;
+}
+
+std::string Number(double v) {
+  char buf[64];
+  std::snprintf(buf, sizeof buf, "%g", v);
+  return buf;
+}
+
+bool ParseInt(const std::string& text, int32_t* out) {
+  if (text.empty()) return false;
+  char* end = nullptr;
+  errno = 0;
+  const long long v = std::strtoll(text.c_str(), &end, 0);
+  if (*end != '\0' || errno != 0 || v < INT32_MIN || v > INT32_MAX) return false;
+  *out = static_cast<int32_t>(v);
+  return true;
+}
+
+bool ParseDouble(const std::string& text, double* out) {
+  if (text.empty()) return false;
+  char* end = nullptr;
+  *out = std::strtod(text.c_str(), &end);
+  return *end == '\0';
+}
+
+const emu::DeclaredField& FindField(const emu::DeclaredEffect& effect, const std::string& name) {
+  std::string valid;
+  for (const emu::DeclaredField& f : effect.fields) {
+    if (f.kind == "Input") continue;
+    if (Lower(f.key) == Lower(name) || Lower(f.label) == Lower(name)) return f;
+    valid += (valid.empty() ? "" : ", ") + f.key;
+  }
+  throw std::runtime_error(effect.DisplayName() + " has no field \"" + name + "\"; its fields are " + valid);
+}
+
+std::string ItemList(const emu::DeclaredField& f) {
+  std::string list;
+  for (const emu::DeclaredItem& item : f.items) {
+    list += (list.empty() ? "" : ", ") + std::to_string(item.value) + " \"" + item.label + "\"";
+  }
+  return list;
+}
+
+int32_t SelectorValue(const emu::DeclaredField& f, const std::string& text) {
+  int32_t v = 0;
+  const bool numeric = ParseInt(text, &v);
+  for (const emu::DeclaredItem& item : f.items) {
+    if ((numeric && item.value == v) || Lower(item.label) == Lower(text)) return item.value;
+  }
+  throw std::runtime_error("\"" + text + "\" is no item of " + f.key + "; its items are " + ItemList(f));
+}
+
+void CheckRange(const emu::DeclaredField& f, double v, const std::string& text) {
+  if (f.Limited() && (v < f.minimum || v > f.maximum)) {
+    throw std::runtime_error(f.key + " takes " + Number(f.minimum) + " to " + Number(f.maximum) + ", not " + text);
+  }
+}
+
+KrColor ParseColor(const emu::DeclaredField& f, const std::string& text) {
+  unsigned r = 0, g = 0, b = 0;
+  char tail = 0;
+  if ((text.size() == 7 && std::sscanf(text.c_str(), "#%2x%2x%2x%c", &r, &g, &b, &tail) == 3) ||
+      (std::sscanf(text.c_str(), "%u,%u,%u%c", &r, &g, &b, &tail) == 3 && r < 256 && g < 256 && b < 256)) {
+    return KrColor{static_cast<uint8_t>(b), static_cast<uint8_t>(g), static_cast<uint8_t>(r), 255};
+  }
+  throw std::runtime_error(f.key + " is a colour: write #RRGGBB or r,g,b, not \"" + text + "\"");
+}
+
+}  // namespace
+
+void ApplySetting(emu::Instance& instance, const std::string& setting) {
+  const size_t eq = setting.find('=');
+  if (eq == std::string::npos) throw std::runtime_error("--set takes KEY=VALUE, not \"" + setting + "\"");
+  const emu::DeclaredField& f = FindField(instance.effect(), setting.substr(0, eq));
+  const std::string text = setting.substr(eq + 1);
+  if (f.kind == "Selector") {
+    instance.SetValue(f.key, SelectorValue(f, text));
+  } else if (f.kind == "Long") {
+    int32_t v = 0;
+    if (!ParseInt(text, &v)) throw std::runtime_error(f.key + " takes a whole number, not \"" + text + "\"");
+    CheckRange(f, v, text);
+    instance.SetValue(f.key, v);
+  } else if (f.kind == "Bool") {
+    const std::string t = Lower(text);
+    if (t == "on" || t == "true" || t == "yes" || t == "1") {
+      instance.SetValue(f.key, 1);
+    } else if (t == "off" || t == "false" || t == "no" || t == "0") {
+      instance.SetValue(f.key, 0);
+    } else {
+      throw std::runtime_error(f.key + " is on or off, not \"" + text + "\"");
+    }
+  } else if (f.kind == "RGBcolor") {
+    instance.SetColor(f.key, ParseColor(f, text));
+  } else {  // "Alpha" and "FloatA": a constant curve
+    double v = 0.0;
+    if (!ParseDouble(text, &v)) throw std::runtime_error(f.key + " takes a number, not \"" + text + "\"");
+    CheckRange(f, v, text);
+    instance.SetConstant(f.key, v);
+  }
+}
+
+std::string FieldValueText(const emu::Instance& instance, const emu::DeclaredField& f) {
+  if (f.kind == "Input") return "";
+  if (f.kind == "Selector") {
+    const int32_t v = instance.Value(f.key);
+    for (const emu::DeclaredItem& item : f.items) {
+      if (item.value == v) return std::to_string(v) + " \"" + item.label + "\"";
+    }
+    return std::to_string(v);
+  }
+  if (f.kind == "Long") return std::to_string(instance.Value(f.key));
+  if (f.kind == "Bool") return instance.Value(f.key) ? "on" : "off";
+  if (f.kind == "RGBcolor") {
+    const KrColor c = instance.Color(f.key);
+    char buf[16];
+    std::snprintf(buf, sizeof buf, "#%02X%02X%02X", c.Red, c.Green, c.Blue);
+    return buf;
+  }
+  std::string curve = "curve";
+  for (const emu::CurvePoint& p : instance.Curve(f.key)) curve += " (" + Number(p.position) + ", " + Number(p.value) + ")";
+  return curve;
+}
+
+std::vector<std::string> DescribeField(const emu::Instance& instance, const emu::DeclaredField& f) {
+  char head[512];
+  std::snprintf(head, sizeof head, "%-14s %-9s \"%s\"", f.key.c_str(), f.kind.c_str(), f.label.c_str());
+  std::string line = head;
+  if (f.hasRange) line += "  range " + Number(f.minimum) + ".." + Number(f.maximum) + (f.Limited() ? " (enforced)" : "");
+  if (f.HasFlag("KrdfHideCurve")) line += "  (no curve)";
+  const std::string value = FieldValueText(instance, f);
+  if (!value.empty()) line += "  default " + value;
+  std::vector<std::string> lines{line};
+  if (!f.items.empty()) lines.push_back("               items: " + ItemList(f));
+  if (!f.help.empty()) lines.push_back("               " + f.help);
+  return lines;
+}
+
+}  // namespace krl::cli

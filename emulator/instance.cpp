@@ -1,0 +1,148 @@
+#include "emulator/instance.h"
+
+#include <stdexcept>
+
+namespace krl::emu {
+namespace {
+
+bool IsValueKind(const std::string& kind) { return kind == "Selector" || kind == "Long" || kind == "Bool"; }
+bool IsCurveKind(const std::string& kind) { return kind == "Alpha" || kind == "FloatA"; }
+bool IsColorKind(const std::string& kind) { return kind == "RGBcolor"; }
+
+template <typename Function>
+Function CodeAt(uint64_t address) {
+  return reinterpret_cast<Function>(static_cast<uintptr_t>(address));
+}
+
+}  // namespace
+
+Instance::Instance(const Host& host, const DeclaredEffect& effect) : host_(host), effect_(effect) {
+  for (const DeclaredField& f : effect_.fields) fields_[f.index].field = &f;
+  record_.info.Host = const_cast<t_KrHostFunctions*>(&host_.table());
+  record_.info.BitsPerPixel = 32;
+  record_.self = this;
+  initResult_ = CodeAt<KrInitFunction>(effect_.initFunction)(&record_.info);
+}
+
+Instance::~Instance() {
+  if (effect_.deleteUserData != 0) CodeAt<KrDeleteUserDataFunction>(effect_.deleteUserData)(&record_.info);
+}
+
+void Instance::FillSlots(t_KrHostFunctions& table) {
+  table.ReportError = &ReportErrorSlot;
+  table.GetCurveValue = &GetCurveValueSlot;
+  table.AddCurvePoint = &AddCurvePointSlot;
+  table.GetColorValue = &GetColorValueSlot;
+  table.SetColorDefault = &SetColorDefaultSlot;
+  table.GetFieldValue = &GetFieldValueSlot;
+  table.SetFieldDefault = &SetFieldDefaultSlot;
+  table.SetUserData = &SetUserDataSlot;
+  table.GetUserData = &GetUserDataSlot;
+}
+
+// ---- values by key -------------------------------------------------------
+
+Instance::FieldState& Instance::StateOf(const std::string& key) {
+  const DeclaredField* f = effect_.Field(key);
+  if (f == nullptr) throw std::invalid_argument(effect_.DisplayName() + " has no field \"" + key + "\"");
+  return fields_[f->index];
+}
+
+const Instance::FieldState& Instance::StateOf(const std::string& key) const {
+  return const_cast<Instance*>(this)->StateOf(key);
+}
+
+void Instance::SetValue(const std::string& key, int32_t value) { StateOf(key).value = value; }
+int32_t Instance::Value(const std::string& key) const { return StateOf(key).value; }
+void Instance::SetCurve(const std::string& key, std::vector<CurvePoint> points) { StateOf(key).curve = std::move(points); }
+const std::vector<CurvePoint>& Instance::Curve(const std::string& key) const { return StateOf(key).curve; }
+void Instance::SetColor(const std::string& key, KrColor color) { StateOf(key).color = color; }
+KrColor Instance::Color(const std::string& key) const { return StateOf(key).color; }
+
+// ---- rendering -----------------------------------------------------------
+
+int32_t Instance::Render(const Frame& a, const Frame& b, Frame& out, double progress) {
+  if (!a.SameSize(out) || !b.SameSize(out)) throw std::invalid_argument("the three frames differ in size");
+  return Render(a.Bytes(), b.Bytes(), out.Bytes(), out.width, out.height, progress);
+}
+
+int32_t Instance::Render(const uint8_t* a, const uint8_t* b, uint8_t* out, int32_t width, int32_t height,
+                         double progress, int32_t bitsPerPixel) {
+  t_KrRenderInfo& ri = record_.info;
+  ri.Progress = progress;
+  ri.Width = width;
+  ri.Height = height;
+  ri.BitsPerPixel = bitsPerPixel;
+  // The library only reads the inputs; the record's type is the host's.
+  ri.InputA = const_cast<uint8_t*>(a);
+  ri.InputB = const_cast<uint8_t*>(b);
+  ri.Output = out;
+  return RenderAgain();
+}
+
+int32_t Instance::RenderAgain() { return CodeAt<KrRenderFunction>(effect_.renderFunction)(&record_.info); }
+
+// ---- the slots -----------------------------------------------------------
+
+Instance& Instance::Of(t_KrRenderInfo* ri) { return *reinterpret_cast<Record*>(ri)->self; }
+
+Instance::FieldState* Instance::StateOf(int32_t index, const char* slot, bool (*kindFits)(const std::string&)) {
+  auto it = fields_.find(index);
+  if (it == fields_.end()) {
+    diagnostics_.push_back(std::string(slot) + " was given " + std::to_string(index) + ", which is no field of " +
+                           effect_.DisplayName());
+    return nullptr;
+  }
+  if (!kindFits(it->second.field->kind)) {
+    diagnostics_.push_back(std::string(slot) + " was given field \"" + it->second.field->key + "\" of kind " +
+                           it->second.field->kind);
+    return nullptr;
+  }
+  return &it->second;
+}
+
+int32_t Instance::ReportErrorSlot(t_KrRenderInfo* ri, const char* message) {
+  Of(ri).reported_.emplace_back(message != nullptr ? message : "(null)");
+  return 0;
+}
+
+double Instance::GetCurveValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t, double position) {
+  FieldState* s = Of(ri).StateOf(field, "GetCurveValue", IsCurveKind);
+  return s != nullptr ? EvaluateCurve(s->curve, position) : 0.0;
+}
+
+int32_t Instance::AddCurvePointSlot(t_KrRenderInfo* ri, int32_t field, int32_t, double position, double value) {
+  if (FieldState* s = Of(ri).StateOf(field, "AddCurvePoint", IsCurveKind)) InsertCurvePoint(s->curve, {position, value});
+  return 1;
+}
+
+int32_t Instance::GetColorValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t, KrColor* out, double) {
+  FieldState* s = Of(ri).StateOf(field, "GetColorValue", IsColorKind);
+  if (out != nullptr) *out = s != nullptr ? s->color : KrColor{0, 0, 0, 255};
+  return 1;
+}
+
+int32_t Instance::SetColorDefaultSlot(t_KrRenderInfo* ri, int32_t field, int32_t, const KrColor* color, double) {
+  FieldState* s = Of(ri).StateOf(field, "SetColorDefault", IsColorKind);
+  if (s != nullptr && color != nullptr) s->color = *color;
+  return 1;
+}
+
+int32_t Instance::GetFieldValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t) {
+  FieldState* s = Of(ri).StateOf(field, "GetFieldValue", IsValueKind);
+  return s != nullptr ? s->value : 0;
+}
+
+int32_t Instance::SetFieldDefaultSlot(t_KrRenderInfo* ri, int32_t field, int32_t, int32_t value) {
+  if (FieldState* s = Of(ri).StateOf(field, "SetFieldDefault", IsValueKind)) s->value = value;
+  return 1;
+}
+
+int32_t Instance::SetUserDataSlot(t_KrRenderInfo* ri, void* data) {
+  Of(ri).userData_ = data;
+  return 1;
+}
+
+void* Instance::GetUserDataSlot(t_KrRenderInfo* ri) { return Of(ri).userData_; }
+
+}  // namespace krl::emu

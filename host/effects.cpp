@@ -1,0 +1,10 @@
+// KrDeclare: the ordered list of the effects that exist.
+#include "host/exports.h"
+
+KR_EXPORT int32_t KrDeclare(t_KrHostInfo* hi) {
+  int32_t declared = 0;
+#define KR_CALL_DECLARE(name) declared += KrDeclare##name(hi);
+  KR_EFFECTS(KR_CALL_DECLARE)
+#undef KR_CALL_DECLARE
+  return declared;
+}

@@ -1,0 +1,19 @@
+// Every name the shared object exports.
+#pragma once
+
+#include "host/export.h"
+#include "host/host_interface.h"
+
+// The declaration functions of the effects that exist, in the order KrDeclare
+// calls them; each new transition adds its row at its place in that order.
+#define KR_EFFECTS(X) \
+  X(FadeDissolve)
+
+#define KR_DECLARE_PROTOTYPE(name) KR_EXPORT int32_t KrDeclare##name(t_KrHostInfo* hi);
+KR_EFFECTS(KR_DECLARE_PROTOTYPE)
+#undef KR_DECLARE_PROTOTYPE
+
+KR_EXPORT int32_t KrDeclare(t_KrHostInfo* hi);
+KR_EXPORT int32_t KrScriptExecuteHi(t_KrHostInfo* hi, const char* format, ...);
+KR_EXPORT int32_t KrScriptExecute(t_KrHostInfo* hi, const char* format, ...);
+KR_EXPORT void KrDebug(int32_t, int32_t, const char* format, ...);

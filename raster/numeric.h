@@ -1,0 +1,28 @@
+// Conversions whose rounding is part of the visible result, written out so a
+// reader can check each against the description of the transition using it.
+#pragma once
+
+#include <cstdint>
+
+namespace krl {
+
+// Truncation toward zero to a signed 32-bit integer, as the x86 conversion
+// instruction does it: a NaN or a value outside the int32 range gives
+// INT32_MIN (the processor's "integer indefinite") instead of undefined
+// behaviour, so out-of-range inputs render the same on every build.
+inline int32_t TruncToInt32(double x) {
+  if (x > -2147483649.0 && x < 2147483648.0) return static_cast<int32_t>(x);
+  return INT32_MIN;
+}
+
+inline int32_t TruncToInt32(long double x) {
+  if (x > -2147483649.0L && x < 2147483648.0L) return static_cast<int32_t>(x);
+  return INT32_MIN;
+}
+
+// A value rounded to single precision (round to nearest), as a store to a
+// 32-bit float does; used where a product is rounded to single before it is
+// truncated.
+inline float RoundToSingle(double x) { return static_cast<float>(x); }
+
+}  // namespace krl
