@@ -1,6 +1,5 @@
 # The shipping target: 32-bit x86 with SSE2 doing all double arithmetic, so
 # that double means IEEE double exactly as on x86-64.
-set(KRL_ABI i386)
 set(CMAKE_C_FLAGS_INIT "-m32 -msse2 -mfpmath=sse")
 set(CMAKE_CXX_FLAGS_INIT "-m32 -msse2 -mfpmath=sse")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-m32")

@@ -19,12 +19,14 @@ struct ScriptError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Statements are quoted in reports; an overlong one is shortened there.
-std::string Quote(const std::string& statement) {
-  constexpr size_t kMost = 400;
-  if (statement.size() <= kMost) return "\"" + statement + "\"";
-  return "\"" + statement.substr(0, kMost) + "...\" (" + std::to_string(statement.size()) + " characters)";
+// Reports quote statements and tokens; overlong ones are shortened there.
+std::string Shortened(const std::string& text) {
+  constexpr size_t kMost = 300;
+  if (text.size() <= kMost) return text;
+  return text.substr(0, kMost) + "... (" + std::to_string(text.size()) + " characters)";
 }
+
+std::string Quote(const std::string& statement) { return "\"" + Shortened(statement) + "\""; }
 
 bool IsIdentStart(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
@@ -95,7 +97,7 @@ class StatementRunner {
       try {
         Statement();
       } catch (const ScriptError& e) {
-        in_.errors_.push_back("cannot run statement " + Quote(StatementText(first)) + ": " + e.what());
+        in_.errors_.push_back("cannot run statement " + Quote(StatementText(first)) + ": " + Shortened(e.what()));
         return false;
       }
     }
@@ -388,7 +390,7 @@ bool ScriptInterpreter::Execute(const std::string& text) {
   try {
     tokens = Tokenize(text);
   } catch (const ScriptError& e) {
-    errors_.push_back("cannot read statement " + Quote(text) + ": " + e.what());
+    errors_.push_back("cannot read statement " + Quote(text) + ": " + Shortened(e.what()));
     return false;
   }
   if (tokens.empty()) {

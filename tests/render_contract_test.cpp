@@ -1,0 +1,90 @@
+// The contract every render keeps, checked on every declared transition:
+// the pixel-size refusal, the TransType exchange in the record, empty frames.
+#include <gtest/gtest.h>
+
+#include "test_support.h"
+
+namespace krl::test {
+namespace {
+
+constexpr int32_t kW = 23, kH = 17;
+constexpr uint32_t kSentinel = 0x5A5A5A5A;
+
+// Smouldering Paper exchanges its inputs in locals, never in the record.
+bool ExchangesInRecord(const emu::DeclaredEffect& e) { return e.context != "Smouldering Paper"; }
+
+class EveryTransition : public testing::TestWithParam<std::string> {
+ protected:
+  const emu::DeclaredEffect& effect() const { return Effect(Library(), GetParam()); }
+  emu::Frame a_ = emu::SampleClipA(kW, kH);
+  emu::Frame b_ = emu::SampleClipB(kW, kH);
+};
+
+std::vector<std::string> EffectNames() {
+  std::vector<std::string> names;
+  for (const emu::DeclaredEffect& e : Library().effects()) names.push_back(e.name);
+  return names;
+}
+
+TEST_P(EveryTransition, RefusesOtherPixelSizesAndTouchesNothing) {
+  for (const int32_t bits : {24, 16, 8, 0, 64, -32}) {
+    emu::Instance instance(Library(), effect());
+    instance.SetValue("TransType", 1);
+    emu::Frame out = Filled(kW, kH, kSentinel);
+    const std::vector<uint32_t> before = out.pixels;
+    EXPECT_EQ(instance.Render(a_.Bytes(), b_.Bytes(), out.Bytes(), kW, kH, 0.5, bits), 0) << bits;
+    EXPECT_EQ(instance.reportedErrors(), std::vector<std::string>{"Unsupported pixel size"}) << bits;
+    EXPECT_EQ(out.pixels, before) << bits;
+    EXPECT_EQ(instance.record().InputA, a_.Bytes()) << "inputs exchanged before the check, " << bits;
+    EXPECT_EQ(instance.record().InputB, b_.Bytes()) << bits;
+    EXPECT_TRUE(instance.diagnostics().empty());
+  }
+}
+
+TEST_P(EveryTransition, TransTypeExchangesTheRecordAndAReusedRecordExchangesBack) {
+  if (!ExchangesInRecord(effect())) GTEST_SKIP() << "exchanges in locals only";
+  emu::Instance plain(Library(), effect());
+  emu::Frame straight(kW, kH);
+  ASSERT_EQ(plain.Render(a_, b_, straight, 0.25), 1);
+
+  emu::Instance swapped(Library(), effect());
+  swapped.SetValue("TransType", 1);
+  emu::Frame out(kW, kH);
+  ASSERT_EQ(swapped.Render(a_, b_, out, 0.25), 1);
+  EXPECT_EQ(swapped.record().InputA, b_.Bytes());
+  EXPECT_EQ(swapped.record().InputB, a_.Bytes());
+
+  // Rendered from the record as the library left it, the pointers go back.
+  ASSERT_EQ(swapped.RenderAgain(), 1);
+  EXPECT_EQ(swapped.record().InputA, a_.Bytes());
+  EXPECT_EQ(swapped.record().InputB, b_.Bytes());
+  EXPECT_EQ(out.pixels, straight.pixels);
+  EXPECT_TRUE(swapped.diagnostics().empty());
+}
+
+TEST_P(EveryTransition, EmptyFramesDrawNothing) {
+  const struct {
+    int32_t w, h;
+  } sizes[] = {{0, 0}, {0, 5}, {5, 0}, {-3, 4}, {4, -3}, {INT32_MIN, INT32_MIN}};
+  for (const auto& size : sizes) {
+    emu::Instance instance(Library(), effect());
+    uint32_t guard[4] = {kSentinel, kSentinel, kSentinel, kSentinel};
+    const uint8_t* in = reinterpret_cast<const uint8_t*>(guard);
+    EXPECT_EQ(instance.Render(in, in, reinterpret_cast<uint8_t*>(guard), size.w, size.h, 0.5), 1);
+    for (uint32_t word : guard) EXPECT_EQ(word, kSentinel) << size.w << "x" << size.h;
+  }
+}
+
+TEST_P(EveryTransition, InitSetsTransTypeFirstAndReadsOnlyDeclaredFields) {
+  emu::Instance instance(Library(), effect());
+  EXPECT_EQ(instance.initResult(), 1);
+  EXPECT_EQ(instance.Value("TransType"), 0);
+  emu::Frame out(kW, kH);
+  instance.Render(a_, b_, out, 0.5);
+  EXPECT_TRUE(instance.diagnostics().empty()) << instance.diagnostics().front();
+}
+
+INSTANTIATE_TEST_SUITE_P(Library, EveryTransition, testing::ValuesIn(EffectNames()));
+
+}  // namespace
+}  // namespace krl::test
