@@ -167,9 +167,13 @@ void Host::FindSegments() {
         if (info->dlpi_addr != s->base) return 0;
         for (int i = 0; i < info->dlpi_phnum; ++i) {
           const ElfW(Phdr)& ph = info->dlpi_phdr[i];
-          if (ph.p_type != PT_LOAD) continue;
           const uint64_t begin = info->dlpi_addr + ph.p_vaddr;
-          s->segments->push_back({begin, begin + ph.p_memsz, (ph.p_flags & PF_W) != 0, (ph.p_flags & PF_X) != 0});
+          if (ph.p_type == PT_LOAD) {
+            s->segments->push_back({begin, begin + ph.p_memsz, (ph.p_flags & PF_W) != 0, (ph.p_flags & PF_X) != 0, false});
+          } else if (ph.p_type == PT_GNU_RELRO) {
+            // Writable in the file, read-only once relocated: never a variable.
+            s->segments->push_back({begin, begin + ph.p_memsz, false, false, true});
+          }
         }
         return 1;
       },
@@ -206,8 +210,11 @@ const TranslatedText* Host::FindText(uint64_t address) const {
 }
 
 bool Host::StoreFieldIndex(uint64_t address, int32_t index, std::string* why) {
+  const bool readOnlyAfterLoad = std::any_of(segments_.begin(), segments_.end(), [&](const Segment& s) {
+    return s.relro && address + sizeof(int32_t) > s.begin && address < s.end;
+  });
   for (const Segment& s : segments_) {
-    if (s.writable && address >= s.begin && address + sizeof(int32_t) <= s.end) {
+    if (!readOnlyAfterLoad && s.writable && address >= s.begin && address + sizeof(int32_t) <= s.end) {
       std::memcpy(reinterpret_cast<void*>(static_cast<uintptr_t>(address)), &index, sizeof index);
       stored_[address] = index;
       return true;

@@ -71,7 +71,7 @@ class Host final : private ScriptEnvironment {
   };
   struct Segment {
     uint64_t begin, end;
-    bool writable, executable;
+    bool writable, executable, relro;
   };
   struct StoredText {
     std::u16string wide;

@@ -3,7 +3,7 @@
 # what is missing. Safe to run again.
 set -euo pipefail
 
-packages=(cmake make g++ g++-multilib googletest libstb-dev)
+packages=(cmake make g++ g++-multilib googletest libstb-dev libbenchmark-dev clang libclang-rt-14-dev)
 
 missing=()
 for p in "${packages[@]}"; do

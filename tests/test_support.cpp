@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
+#include <cctype>
 #include <stdexcept>
 
 namespace krl::test {
@@ -26,11 +26,15 @@ const emu::DeclaredEffect& Effect(const emu::Host& host, const std::string& name
 }
 
 std::string Normalised(const emu::Host& host, const emu::DeclaredEffect& e, const std::string& statement) {
-  static const std::regex kHex("0x([0-9A-Fa-f]+)");
   std::string out;
-  auto last = statement.cbegin();
-  for (std::sregex_iterator it(statement.begin(), statement.end(), kHex), end; it != end; ++it) {
-    const uint64_t v = std::stoull((*it)[1].str(), nullptr, 16);
+  size_t i = 0;
+  while (i < statement.size()) {
+    const size_t at = statement.find("0x", i);
+    if (at == std::string::npos) break;
+    size_t end = at + 2;
+    while (end < statement.size() && std::isxdigit(static_cast<unsigned char>(statement[end]))) ++end;
+    const std::string digits = statement.substr(at + 2, end - at - 2);
+    const uint64_t v = digits.empty() ? 0 : std::stoull(digits, nullptr, 16);
     std::string name;
     if (const emu::TranslatedText* text = host.FindText(v)) name = text->source;
     if (v == e.initFunction) name = "init";
@@ -39,17 +43,19 @@ std::string Normalised(const emu::Host& host, const emu::DeclaredEffect& e, cons
     for (const emu::DeclaredField& f : e.fields) {
       if (f.variable == v) name = "var:" + f.key;
     }
-    out.append(last, (*it)[0].first);
+    out.append(statement, i, at - i);
     if (name.empty()) {
-      out += it->str();
+      out.append(statement, at, end - at);
     } else {
       // Addresses are upper-case hexadecimal without leading zeros.
-      EXPECT_TRUE(std::regex_match((*it)[1].str(), std::regex("[1-9A-F][0-9A-F]*"))) << statement;
+      const bool plain = !digits.empty() && digits[0] != '0' &&
+                         digits.find_first_not_of("0123456789ABCDEF") == std::string::npos;
+      EXPECT_TRUE(plain) << statement;
       out += "{" + name + "}";
     }
-    last = (*it)[0].second;
+    i = end;
   }
-  out.append(last, statement.cend());
+  out.append(statement, i, std::string::npos);
   return out;
 }
 
