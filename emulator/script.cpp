@@ -328,29 +328,31 @@ class StatementRunner {
     e.fields.push_back(std::move(f));
   }
 
-  // KrDataFieldHelpbyId( &obj.df, index, (word *)0x... );
-  void Help() {
+  // "( &obj.df, index, (word *)0x..." : the field and text a by-index statement names.
+  std::pair<DeclaredField*, const TranslatedText*> FieldAndText() {
     Expect("(");
     ObjDf();
     Expect(",");
     DeclaredField& f = FieldByIndex(Int32());
     Expect(",");
-    const TranslatedText& text = WordText();
+    return {&f, &WordText()};
+  }
+
+  // KrDataFieldHelpbyId( &obj.df, index, (word *)0x... );
+  void Help() {
+    auto [field, text] = FieldAndText();
     Expect(")");
     End();
+    DeclaredField& f = *field;
     if (!f.helpSource.empty()) Fail("field \"" + f.key + "\" has a help text already");
-    f.help = text.text;
-    f.helpSource = text.source;
+    f.help = text->text;
+    f.helpSource = text->source;
   }
 
   // DataFieldSelItemAddById( &obj.df, index, (word *)0x..., 0xVALUE );
   void Item() {
-    Expect("(");
-    ObjDf();
-    Expect(",");
-    DeclaredField& f = FieldByIndex(Int32());
-    Expect(",");
-    const TranslatedText& text = WordText();
+    auto [field, text] = FieldAndText();
+    DeclaredField& f = *field;
     Expect(",");
     const int32_t value = static_cast<int32_t>(Hex(32));
     Expect(")");
@@ -359,7 +361,7 @@ class StatementRunner {
     for (const DeclaredItem& item : f.items) {
       if (item.value == value) Fail("selector \"" + f.key + "\" has an item of value " + std::to_string(value) + " already");
     }
-    f.items.push_back({text.text, text.source, value});
+    f.items.push_back({text->text, text->source, value});
   }
 
   // EffectAdd( obj );

@@ -110,27 +110,24 @@ KR_SLOT_AT(Translate, 81);
 static_assert(sizeof(t_KrHostFunctions) == KR_HOST_SLOT_COUNT * sizeof(void*), "slot count");
 static_assert(sizeof(KrColor) == 4, "KrColor is one pixel");
 
+// Offsets of the render record: i386 as the host lays it out; x86-64 the same
+// members in the same order with natural alignment.
 #if defined(__i386__)
-static_assert(offsetof(t_KrHostInfo, Host) == 8, "Host");
-static_assert(offsetof(t_KrRenderInfo, Host) == 8, "Host");
-static_assert(offsetof(t_KrRenderInfo, Progress) == 28, "Progress");
-static_assert(offsetof(t_KrRenderInfo, Width) == 44, "Width");
-static_assert(offsetof(t_KrRenderInfo, Height) == 48, "Height");
-static_assert(offsetof(t_KrRenderInfo, BitsPerPixel) == 68, "BitsPerPixel");
-static_assert(offsetof(t_KrRenderInfo, InputA) == 76, "InputA");
-static_assert(offsetof(t_KrRenderInfo, InputB) == 80, "InputB");
-static_assert(offsetof(t_KrRenderInfo, Output) == 84, "Output");
+#define KR_AT(i386, x64) (i386)
 static_assert(sizeof(void*) == 4, "i386 pointers");
 #elif defined(__x86_64__)
-static_assert(offsetof(t_KrHostInfo, Host) == 8, "Host");
-static_assert(offsetof(t_KrRenderInfo, Host) == 8, "Host");
-static_assert(offsetof(t_KrRenderInfo, Progress) == 32, "Progress");
-static_assert(offsetof(t_KrRenderInfo, Width) == 48, "Width");
-static_assert(offsetof(t_KrRenderInfo, Height) == 52, "Height");
-static_assert(offsetof(t_KrRenderInfo, BitsPerPixel) == 72, "BitsPerPixel");
-static_assert(offsetof(t_KrRenderInfo, InputA) == 80, "InputA");
-static_assert(offsetof(t_KrRenderInfo, InputB) == 88, "InputB");
-static_assert(offsetof(t_KrRenderInfo, Output) == 96, "Output");
+#define KR_AT(i386, x64) (x64)
 #else
 #error "the host contract is defined for i386 and x86-64 only"
 #endif
+
+static_assert(offsetof(t_KrHostInfo, Host) == 8, "Host");
+static_assert(offsetof(t_KrRenderInfo, Host) == 8, "Host");
+static_assert(offsetof(t_KrRenderInfo, Progress) == KR_AT(28, 32), "Progress");
+static_assert(offsetof(t_KrRenderInfo, Width) == KR_AT(44, 48), "Width");
+static_assert(offsetof(t_KrRenderInfo, Height) == KR_AT(48, 52), "Height");
+static_assert(offsetof(t_KrRenderInfo, BitsPerPixel) == KR_AT(68, 72), "BitsPerPixel");
+static_assert(offsetof(t_KrRenderInfo, InputA) == KR_AT(76, 80), "InputA");
+static_assert(offsetof(t_KrRenderInfo, InputB) == KR_AT(80, 88), "InputB");
+static_assert(offsetof(t_KrRenderInfo, Output) == KR_AT(84, 96), "Output");
+#undef KR_AT

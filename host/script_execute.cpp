@@ -10,31 +10,28 @@ constexpr int kStatementBuffer = 65536;
 constexpr int kDebugBuffer = 2048;
 }  // namespace
 
-// The statement is formatted with a length bound: an overlong text is cut at
-// the buffer's end rather than overrunning it (no statement of ours comes near).
+// Formats with a length bound: an overlong text is cut at the buffer's end
+// rather than overrunning it (no statement of ours comes near 64 KiB).
+#define KR_FORMAT_INTO(buffer, format)                    \
+  va_list args;                                           \
+  va_start(args, format);                                 \
+  std::vsnprintf(buffer, sizeof buffer, format, args);    \
+  va_end(args)
+
 KR_EXPORT int32_t KrScriptExecuteHi(t_KrHostInfo* hi, const char* format, ...) {
   char statement[kStatementBuffer];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(statement, sizeof statement, format, args);
-  va_end(args);
+  KR_FORMAT_INTO(statement, format);
   return hi->Host->ScriptExecuteHi(hi, hi, statement);
 }
 
 KR_EXPORT int32_t KrScriptExecute(t_KrHostInfo* hi, const char* format, ...) {
   char statement[kStatementBuffer];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(statement, sizeof statement, format, args);
-  va_end(args);
+  KR_FORMAT_INTO(statement, format);
   return hi->Host->ScriptExecute(hi, statement);
 }
 
 // A debugging hook kept for the host: it formats and discards.
 KR_EXPORT void KrDebug(int32_t, int32_t, const char* format, ...) {
   char text[kDebugBuffer];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(text, sizeof text, format, args);
-  va_end(args);
+  KR_FORMAT_INTO(text, format);
 }
