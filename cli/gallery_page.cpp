@@ -138,7 +138,7 @@ std::string Card(const GalleryEntry& e, const GalleryLayout& layout) {
   if (e.failure.empty()) c += " data-frames=\"" + std::to_string(layout.frames) + "\" data-height=\"" + h + "\"";
   c += ">\n<h3>" + Html(e.name) + "</h3>\n<p class=\"menu\">" + Html(e.menuPath) + "</p>\n<div class=\"row\">\n";
   if (e.failure.empty()) {
-    c += "<div class=\"player\" style=\"width:" + w + "px\"><img class=\"frames\" src=\"" + Html(e.folder) + "/" +
+    c += "<div class=\"player\" style=\"width:max(" + w + "px,300px)\"><img class=\"frames\" src=\"" + Html(e.folder) + "/" +
          kFramesFile + "\" width=\"" + w + "\" height=\"" + h + "\" alt=\"" + Html(e.name) + ", animated\">\n" +
          "<div class=\"controls\"><button class=\"play\" type=\"button\">Pause</button>"
          "<input class=\"scrub\" type=\"range\" min=\"0\" max=\"" + std::to_string(layout.frames - 1) +
