@@ -2,6 +2,8 @@
 // frames and (with ffmpeg) an animated WebP, and an index.html that shows
 // them all.
 #include <cstdio>
+#include <deque>
+#include <future>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -71,10 +73,10 @@ struct Inputs {
   std::vector<emu::Frame> a, b;
 };
 
-// Renders one transition into `folder`: its frames stacked in one picture,
-// its filmstrip and, when ffmpeg is there, an animated WebP.
-void RenderEntry(const emu::Host& host, const emu::DeclaredEffect& effect, const Inputs& in, const fs::path& folder,
-                 const std::string& ffmpeg, GalleryEntry& entry, ProgressBar& bar, int& done) {
+// Renders one transition into `folder`: its frames stacked in one picture
+// and its filmstrip. Returns the frames.
+std::vector<emu::Frame> RenderEntry(const emu::Host& host, const emu::DeclaredEffect& effect, const Inputs& in,
+                                    const fs::path& folder, GalleryEntry& entry, ProgressBar& bar, int& done) {
   emu::Instance instance(host, effect);
   entry.fields = FieldsOf(instance);
   const int32_t n = static_cast<int32_t>(in.a.size());
@@ -103,16 +105,48 @@ void RenderEntry(const emu::Host& host, const emu::DeclaredEffect& effect, const
   fs::create_directory(folder);
   WriteJpeg(Strip(stack, false, 0, 0), (folder / kFramesFile).string(), 85);
   WritePng(Strip(film, true, 4, kFilmstripBackground), (folder / kFilmstripFile).string());
-  if (ffmpeg.empty()) return;
-  try {
-    const auto animation = OpenOutput((folder / "preview.webp").string(), {frames[0].width, frames[0].height}, kFps);
-    for (const emu::Frame& f : frames) animation->Write(f);
-    animation->Finish();
-    entry.animation = "preview.webp";
-  } catch (const std::runtime_error& e) {
-    std::fprintf(stderr, "krl: no animated preview of %s: %s\n", entry.name.c_str(), e.what());
-  }
+  return frames;
 }
+
+// Animated previews, encoded by ffmpeg while the next transitions render;
+// at most two at a time. One that fails is left out of the page.
+class PreviewEncoder {
+ public:
+  explicit PreviewEncoder(std::vector<GalleryEntry>& entries) : entries_(entries) {}
+  ~PreviewEncoder() {
+    for (auto& job : pending_) job.second.wait();
+  }
+  void Add(size_t entry, const fs::path& file, std::vector<emu::Frame> frames) {
+    if (pending_.size() >= 2) CollectOne();
+    entries_[entry].animation = file.filename().string();
+    pending_.emplace_back(entry, std::async(std::launch::async, [file, frames = std::move(frames)] {
+      try {
+        const auto animation = OpenOutput(file.string(), {frames[0].width, frames[0].height}, kFps);
+        for (const emu::Frame& f : frames) animation->Write(f);
+        animation->Finish();
+        return std::string();
+      } catch (const std::runtime_error& e) {
+        return std::string(e.what());
+      }
+    }));
+  }
+  void CollectAll() {
+    while (!pending_.empty()) CollectOne();
+  }
+
+ private:
+  void CollectOne() {
+    auto [entry, job] = std::move(pending_.front());
+    pending_.pop_front();
+    if (const std::string why = job.get(); !why.empty()) {
+      entries_[entry].animation.clear();
+      std::fprintf(stderr, "krl: no animated preview of %s: %s\n", entries_[entry].name.c_str(), why.c_str());
+    }
+  }
+
+  std::vector<GalleryEntry>& entries_;
+  std::deque<std::pair<size_t, std::future<std::string>>> pending_;
+};
 
 }  // namespace
 
@@ -131,6 +165,8 @@ int Gallery(const Options& options) {
 
   StagedFolder staged(dir, true);
   std::vector<GalleryEntry> entries;
+  entries.reserve(host->effects().size());  // the encoder keeps indices into it
+  PreviewEncoder encoder(entries);
   std::set<std::string> taken;
   int done = 0, failed = 0;
   {
@@ -142,7 +178,9 @@ int Gallery(const Options& options) {
       entry.description = effect.description;
       entry.folder = FolderName(entry.name, taken);
       try {
-        RenderEntry(*host, effect, inputs, staged.path() / entry.folder, ffmpeg, entry, bar, done);
+        const fs::path folder = staged.path() / entry.folder;
+        std::vector<emu::Frame> rendered = RenderEntry(*host, effect, inputs, folder, entry, bar, done);
+        if (!ffmpeg.empty()) encoder.Add(entries.size() - 1, folder / "preview.webp", std::move(rendered));
       } catch (const Interrupted&) {
         throw;
       } catch (const std::runtime_error& e) {
@@ -155,6 +193,7 @@ int Gallery(const Options& options) {
       }
     }
   }
+  encoder.CollectAll();
   const GalleryLayout layout{size, frames, kFps, 4, InputsText(options), fs::path(host->path()).filename().string()};
   {
     std::ofstream page(staged.path() / "index.html", std::ios::binary);
@@ -163,7 +202,8 @@ int Gallery(const Options& options) {
   }
   staged.Commit();
   if (!options.quiet) {
-    std::printf("wrote a gallery of %zu transitions to %s%s; open %s\n", entries.size(), dir.string().c_str(),
+    std::printf("wrote a gallery of %zu transition%s to %s%s; open %s\n", entries.size(),
+                entries.size() == 1 ? "" : "s", dir.string().c_str(),
                 failed > 0 ? (" (" + std::to_string(failed) + " could not be rendered)").c_str() : "",
                 fs::absolute(dir / "index.html").lexically_normal().string().c_str());
   }

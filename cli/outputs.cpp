@@ -90,11 +90,11 @@ class Y4mFile final : public FrameSink {
 };
 
 // What ffmpeg needs to hear, beyond the output name, to write a file that
-// browsers and editors play: 4:2:0 video (of even size) for the usual
+// browsers and editors play: 4:2:0 pictures (video of even size) for the usual
 // containers, a palette of the clip's own colours for GIF, looping images.
 std::vector<std::string> FormatArguments(const std::string& ext) {
   if (ext == ".gif") return {"-vf", "split[a][b];[a]palettegen[p];[b][p]paletteuse", "-loop", "0"};
-  if (ext == ".webp") return {"-loop", "0"};
+  if (ext == ".webp") return {"-loop", "0", "-pix_fmt", "yuv420p"};
   if (ext == ".png" || ext == ".apng") return {"-plays", "0"};
   if (ext == ".mp4" || ext == ".m4v" || ext == ".mov" || ext == ".mkv" || ext == ".webm" || ext == ".avi") {
     return {"-vf", "pad=ceil(iw/2)*2:ceil(ih/2)*2", "-pix_fmt", "yuv420p"};

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Installs what building and testing need on a Debian 12 machine, and only
-# what is missing. Safe to run again.
+# what is missing. Safe to run again. ffmpeg is the program krl hands video
+# to (it is not linked); chromium tests the gallery page headless.
 set -euo pipefail
 
-packages=(cmake make g++ g++-multilib googletest libstb-dev)
+packages=(cmake make g++ g++-multilib googletest libstb-dev ffmpeg chromium)
 
 missing=()
 for p in "${packages[@]}"; do
