@@ -3,8 +3,8 @@
 // them all.
 #include <cstdio>
 #include <deque>
-#include <future>
 #include <filesystem>
+#include <future>
 #include <fstream>
 #include <iterator>
 #include <set>
@@ -104,7 +104,7 @@ std::vector<emu::Frame> RenderEntry(const emu::Host& host, const emu::DeclaredEf
   }
   fs::create_directory(folder);
   WriteJpeg(Strip(stack, false, 0, 0), (folder / kFramesFile).string(), 85);
-  WritePng(Strip(film, true, 4, kFilmstripBackground), (folder / kFilmstripFile).string());
+  WritePng(Strip(film, true, kFilmstripGap, kFilmstripBackground), (folder / kFilmstripFile).string());
   return frames;
 }
 
@@ -181,9 +181,7 @@ int Gallery(const Options& options) {
         const fs::path folder = staged.path() / entry.folder;
         std::vector<emu::Frame> rendered = RenderEntry(*host, effect, inputs, folder, entry, bar, done);
         if (!ffmpeg.empty()) encoder.Add(entries.size() - 1, folder / "preview.webp", std::move(rendered));
-      } catch (const Interrupted&) {
-        throw;
-      } catch (const std::runtime_error& e) {
+      } catch (const Refused& e) {
         // One transition that cannot be shown does not spoil the others.
         entry.failure = e.what();
         ++failed;
@@ -194,7 +192,7 @@ int Gallery(const Options& options) {
     }
   }
   encoder.CollectAll();
-  const GalleryLayout layout{size, frames, kFps, 4, InputsText(options), fs::path(host->path()).filename().string()};
+  const GalleryLayout layout{size, frames, kFps, InputsText(options), fs::path(host->path()).filename().string()};
   {
     std::ofstream page(staged.path() / "index.html", std::ios::binary);
     page << GalleryPage(entries, layout);

@@ -25,7 +25,6 @@ struct GalleryLayout {
   Size size;
   int frames;         // animation frames, Progress 0 to 1
   double fps;
-  int filmstripGap;   // pixels between the filmstrip's pictures
   std::string inputs; // "the built-in sample clips", or the files
   std::string library;
 };
@@ -34,6 +33,7 @@ struct GalleryLayout {
 inline constexpr const char* kFramesFile = "frames.jpg";       // every frame, stacked top to bottom
 inline constexpr const char* kFilmstripFile = "filmstrip.png";  // Progress 0, 1/6, ..., 1 side by side
 inline constexpr int kFilmstripPictures = 7;
+inline constexpr int kFilmstripGap = 4;  // pixels between its pictures
 
 // Lower-case letters and digits, other runs as one '-': "Iris Round" -> "iris-round".
 std::string Slug(const std::string& text);

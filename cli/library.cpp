@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -41,8 +42,9 @@ void RenderFrame(emu::Instance& instance, const emu::Frame& a, const emu::Frame&
                  double progress) {
   if (instance.Render(a, b, out, progress) == 1) return;
   const std::string why = instance.reportedErrors().empty() ? "no reason given" : instance.reportedErrors().back();
-  throw std::runtime_error(instance.effect().DisplayName() + " refused the frame at Progress " +
-                           std::to_string(progress) + ": " + why);
+  char at[32];
+  std::snprintf(at, sizeof at, "%g", progress);
+  throw Refused(instance.effect().DisplayName() + " refused the frame at Progress " + at + ": " + why);
 }
 
 }  // namespace krl::cli

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 #include "emulator/host.h"
@@ -22,7 +23,11 @@ const emu::DeclaredEffect& FindEffect(const emu::Host& host, const std::string& 
 // Progress of frame `index` of a clip of `count` frames: 0 at the first, 1
 // at the last.
 double ProgressOf(int32_t index, int32_t count);
-// Renders one frame; throws with the transition's reason when it refuses.
+// A transition that refused a frame (its render returned 0).
+struct Refused : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+// Renders one frame; throws Refused with the transition's reason when it refuses.
 void RenderFrame(emu::Instance& instance, const emu::Frame& a, const emu::Frame& b, emu::Frame& out,
                  double progress);
 

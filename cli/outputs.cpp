@@ -105,7 +105,7 @@ std::vector<std::string> FormatArguments(const std::string& ext) {
 class FfmpegFile final : public FrameSink {
  public:
   FfmpegFile(const std::string& program, const std::string& name, Size size, double fps)
-      : name_(name), size_(size), staged_(name) {
+      : name_(name), staged_(name) {
     char rate[32];
     std::snprintf(rate, sizeof rate, "%.17g", fps);
     std::vector<std::string> args{"-nostdin", "-v", "error", "-y", "-f", "rawvideo", "-pix_fmt", "bgra", "-s",
@@ -138,7 +138,6 @@ class FfmpegFile final : public FrameSink {
   }
 
   std::string name_;
-  Size size_;
   StagedFile staged_;
   std::unique_ptr<FfmpegProcess> process_;
   std::vector<uint8_t> rows_;

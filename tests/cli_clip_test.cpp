@@ -125,6 +125,8 @@ TEST(Clip, SaysWhatIsWrongAndLeavesNothingBehind) {
   const std::string text = dir + "/text", textPng = dir + "/text.png", textMp4 = dir + "/text.mp4";
   for (const std::string& f : {text, textPng, textMp4}) WriteFile(f, "no picture here\n");
   const std::string clip = std::string("clip ") + kFade + " --frames 3 --size 16x9 ";
+  // Writes three frames before it fails.
+  const std::string refuses = std::string("clip Refuses --frames 5 --size 16x9 --library ") + KRL_REFUSING_PLUGIN_PATH;
   const struct {
     std::string arguments, output, environment;
     int exit;
@@ -152,6 +154,8 @@ TEST(Clip, SaysWhatIsWrongAndLeavesNothingBehind) {
       {clip + "--library /nonexistent/lib.so", "out.y4m", "", 1, "cannot load /nonexistent/lib.so", false},
       {clip + "--library " + text, "out.y4m", "", 1, "cannot load " + text, false},
       {clip + "--library " + KRL_GARBLED_PLUGIN_PATH, "out.y4m", "", 1, "declares what the host cannot run", false},
+      {refuses, "out.y4m", "", 1, "Refuses refused the frame at Progress 0.75: Past the middle", false},
+      {refuses, "f/%04d.png", "", 1, "Refuses refused the frame at Progress 0.75: Past the middle", false},
   };
   for (const auto& row : rows) {
     if (row.needsFfmpeg && !HaveFfmpeg()) continue;

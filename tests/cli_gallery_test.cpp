@@ -13,11 +13,11 @@
 namespace krl::test {
 namespace {
 
-// Picture k of a filmstrip of pictures w x h with 4-pixel gaps.
+// Picture k of a filmstrip of pictures w x h.
 emu::Frame FilmstripPicture(const emu::Frame& strip, int32_t k, int32_t w, int32_t h) {
   emu::Frame picture(w, h);
   for (int32_t y = 0; y < h; ++y) {
-    for (int32_t x = 0; x < w; ++x) picture.At(x, y) = strip.At(k * (w + 4) + x, y);
+    for (int32_t x = 0; x < w; ++x) picture.At(x, y) = strip.At(k * (w + cli::kFilmstripGap) + x, y);
   }
   return picture;
 }
@@ -41,7 +41,7 @@ TEST(Gallery, ShowsEveryDeclaredTransition) {
       ASSERT_EQ(stack.width, 24);
       ASSERT_EQ(stack.height, 14 * frames);
       const emu::Frame strip = cli::ReadImage(folder + "/" + cli::kFilmstripFile);
-      ASSERT_EQ(strip.width, 7 * 24 + 6 * 4);
+      ASSERT_EQ(strip.width, 7 * 24 + 6 * cli::kFilmstripGap);
       ASSERT_EQ(strip.height, 14);
       for (int k = 0; k <= 6; ++k) {
         const int nearest = (k * (frames - 1) + 3) / 6;
@@ -67,6 +67,23 @@ TEST(Gallery, AddsAnAnimatedPreviewWithFfmpeg) {
   EXPECT_EQ(webp.substr(0, 4), "RIFF");
   EXPECT_EQ(webp.substr(8, 4), "WEBP");
   EXPECT_NE(ReadFile(dir + "/index.html").find("traditional-fade/preview.webp"), std::string::npos);
+}
+
+TEST(Gallery, ShowsTheTransitionsThatRenderAndSaysWhichDoNot) {
+  const std::string dir = FreshFolder("gallery_refused") + "/out";
+  const Outcome r = Krl("gallery --size 8x6 --frames 5 -o " + dir + " --library " + KRL_REFUSING_PLUGIN_PATH,
+                        "PATH=/nonexistent");
+  EXPECT_EQ(r.exit, 0) << r.output;
+  EXPECT_NE(r.output.find("krl: Refuses refused the frame at Progress 0.75: Past the middle"), std::string::npos)
+      << r.output;
+  EXPECT_NE(r.output.find("wrote a gallery of 2 transitions to " + dir + " (1 could not be rendered)"),
+            std::string::npos) << r.output;
+  const std::string page = ReadFile(dir + "/index.html");
+  EXPECT_NE(page.find("Could not be rendered: Refuses refused the frame at Progress 0.75: Past the middle"),
+            std::string::npos);
+  EXPECT_TRUE(Exists(dir + "/shows-b/" + cli::kFilmstripFile));
+  EXPECT_FALSE(Exists(dir + "/refuses"));
+  EXPECT_EQ(page.find("refuses/"), std::string::npos) << "no picture of what was not rendered";
 }
 
 TEST(Gallery, ReplacesOnlyItsOwnGalleries) {
