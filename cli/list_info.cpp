@@ -21,7 +21,8 @@ void PrintEffect(const emu::Host& host, const emu::DeclaredEffect& e) {
 
 int List(const Options& options) {
   const auto host = LoadLibrary(options.library);
-  std::printf("%zu transitions in %s\n\n", host->effects().size(), host->path().c_str());
+  const size_t count = host->effects().size();
+  std::printf("%zu transition%s in %s\n\n", count, count == 1 ? "" : "s", host->path().c_str());
   for (const emu::DeclaredEffect& e : host->effects()) {
     PrintEffect(*host, e);
     std::printf("\n");
