@@ -25,7 +25,6 @@ namespace krl::cli {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr double kFps = 25.0;
 constexpr uint32_t kFilmstripBackground = 0xFF22262E;
 
 // A name for the transition's folder: "traditional-fade", unique in the gallery.
@@ -112,16 +111,16 @@ std::vector<emu::Frame> RenderEntry(const emu::Host& host, const emu::DeclaredEf
 // at most two at a time. One that fails is left out of the page.
 class PreviewEncoder {
  public:
-  explicit PreviewEncoder(std::vector<GalleryEntry>& entries) : entries_(entries) {}
+  PreviewEncoder(std::vector<GalleryEntry>& entries, double fps) : entries_(entries), fps_(fps) {}
   ~PreviewEncoder() {
     for (auto& job : pending_) job.second.wait();
   }
   void Add(size_t entry, const fs::path& file, std::vector<emu::Frame> frames) {
     if (pending_.size() >= 2) CollectOne();
     entries_[entry].animation = file.filename().string();
-    pending_.emplace_back(entry, std::async(std::launch::async, [file, frames = std::move(frames)] {
+    pending_.emplace_back(entry, std::async(std::launch::async, [file, fps = fps_, frames = std::move(frames)] {
       try {
-        const auto animation = OpenOutput(file.string(), {frames[0].width, frames[0].height}, kFps);
+        const auto animation = OpenOutput(file.string(), {frames[0].width, frames[0].height}, fps);
         for (const emu::Frame& f : frames) animation->Write(f);
         animation->Finish();
         return std::string();
@@ -145,6 +144,7 @@ class PreviewEncoder {
   }
 
   std::vector<GalleryEntry>& entries_;
+  double fps_;
   std::deque<std::pair<size_t, std::future<std::string>>> pending_;
 };
 
@@ -154,11 +154,12 @@ int Gallery(const Options& options) {
   if (options.output.empty()) throw UsageError("krl gallery needs -o DIR");
   if (!options.positional.empty()) throw UsageError("krl gallery takes no transition name: it shows them all");
   const int32_t frames = options.frames.empty() ? 25 : ParseCount("--frames", options.frames, 2, 1000);
+  const double fps = options.fps.empty() ? 25.0 : ParsePositive("--fps", options.fps, 100.0);
   const fs::path dir = options.output;
   CheckReplaceable(dir);
 
   const auto host = LoadLibrary(options.library);
-  InputClip a(options.a, emu::SampleClipA, kFps), b(options.b, emu::SampleClipB, kFps);
+  InputClip a(options.a, emu::SampleClipA, fps), b(options.b, emu::SampleClipB, fps);
   const Size size = FitInputs(options.size, a, b, {320, 180});
   const Inputs inputs{ReadFrames(a, frames), ReadFrames(b, frames)};
   const std::string ffmpeg = FindFfmpeg();
@@ -166,7 +167,7 @@ int Gallery(const Options& options) {
   StagedFolder staged(dir, true);
   std::vector<GalleryEntry> entries;
   entries.reserve(host->effects().size());  // the encoder keeps indices into it
-  PreviewEncoder encoder(entries);
+  PreviewEncoder encoder(entries, fps);
   std::set<std::string> taken;
   int done = 0, failed = 0;
   {
@@ -192,7 +193,7 @@ int Gallery(const Options& options) {
     }
   }
   encoder.CollectAll();
-  const GalleryLayout layout{size, frames, kFps, InputsText(options), fs::path(host->path()).filename().string()};
+  const GalleryLayout layout{size, frames, fps, InputsText(options), fs::path(host->path()).filename().string()};
   {
     std::ofstream page(staged.path() / "index.html", std::ios::binary);
     page << GalleryPage(entries, layout);

@@ -41,9 +41,10 @@ int HeaderValue(const std::string& header, const std::string& key) {
 InputClip::InputClip(std::string path, SampleClip sample, double fps) : path_(std::move(path)), sample_(sample) {
   if (path_.empty()) return;
   std::error_code ec;
-  if (std::filesystem::is_directory(path_, ec) || access(path_.c_str(), R_OK) != 0) {
-    throw std::runtime_error("cannot read " + path_ + ": " +
-                             (std::filesystem::is_directory(path_, ec) ? "it is a folder" : std::strerror(errno)));
+  const bool folder = std::filesystem::is_directory(path_, ec);
+  if (folder || access(path_.c_str(), R_OK) != 0) {
+    const std::string why = folder ? "it is a folder" : std::strerror(errno);
+    throw std::runtime_error("cannot read " + path_ + ": " + why);
   }
   if (IsStillImage(path_)) {
     native_ = ReadImage(path_);
@@ -112,10 +113,11 @@ Size FitInputs(const std::string& sizeOption, InputClip& a, InputClip& b, Size f
   Size size = fallback;
   if (!sizeOption.empty()) {
     size = ParseSize(sizeOption);
-  } else if (a.HasSize()) {
-    size = a.size();
-  } else if (b.HasSize()) {
-    size = b.size();
+  } else if (a.HasSize() || b.HasSize()) {
+    size = a.HasSize() ? a.size() : b.size();
+    if (size.width > 16384 || size.height > 16384) {
+      throw UsageError("the inputs are larger than 16384 pixels: name a smaller --size");
+    }
   }
   a.FitTo(size);
   b.FitTo(size);

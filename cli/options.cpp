@@ -17,7 +17,7 @@ const char* const kUsage =
     "             [--set KEY=VALUE ...] [--curve KEY=POS:VAL,...] [--quiet]\n"
     "             OUT: frames/%04d.png (PNG sequence), out.y4m, or with the ffmpeg\n"
     "             program installed out.mp4, out.webm, out.gif, ...\n"
-    "  krl gallery -o DIR [--size WxH] [--frames N] [--a A] [--b B] [--quiet]\n"
+    "  krl gallery -o DIR [--size WxH] [--frames N] [--fps F] [--a A] [--b B] [--quiet]\n"
     "             every transition as a filmstrip and an animation, and DIR/index.html\n"
     "A and B are images or video clips; without them the built-in moving sample\n"
     "clips are used. NAME is the transition's name (\"Traditional Fade\") or menu\n"
