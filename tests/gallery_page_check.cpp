@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <map>
 #include <sstream>
 
@@ -80,7 +81,7 @@ TEST(GalleryPage, WorksInHeadlessChromium) {
   ASSERT_EQ(made.exit, 0) << made.output;
   const std::string url = "'file://" + gallery + "/index.html#selftest'";
 
-  const Outcome dom = Shell(Browser(chromium, FreshFolder("page_profile_dom")) + " --enable-logging=stderr --v=0" +
+  const Outcome dom = Shell(Browser(chromium, dir + "/profile-dom") + " --enable-logging=stderr --v=0" +
                             " --dump-dom " + url + " 2>" + dir + "/browser.log");
   ASSERT_EQ(dom.exit, 0) << dom.output;
   const std::string log = ReadFile(dir + "/browser.log");
@@ -106,7 +107,7 @@ TEST(GalleryPage, WorksInHeadlessChromium) {
   ASSERT_EQ(height, kHeight);
 
   const std::string shot = dir + "/shot.png";
-  const Outcome took = Shell(Browser(chromium, FreshFolder("page_profile_shot")) + " --screenshot=" + shot + " " +
+  const Outcome took = Shell(Browser(chromium, dir + "/profile-shot") + " --screenshot=" + shot + " " +
                              url + " >/dev/null 2>&1");
   ASSERT_EQ(took.exit, 0) << took.output;
   const emu::Frame picture = cli::ReadImage(shot);
@@ -119,6 +120,7 @@ TEST(GalleryPage, WorksInHeadlessChromium) {
   const double start = MeanDifference(picture, left, top, StackedFrame(stack, 0, kHeight));
   EXPECT_LT(shown, 2.0) << "the screenshot does not show frame " << k << " of " << first.name;
   EXPECT_LT(shown * 4, start) << "the screenshot shows the first frame, not frame " << k;
+  if (!HasFailure()) std::filesystem::remove_all(dir);  // kept to look at when something failed
 }
 
 }  // namespace
