@@ -188,7 +188,7 @@ int Gallery(const Options& options) {
         ++failed;
         std::error_code ec;
         fs::remove_all(staged.path() / entry.folder, ec);
-        std::fprintf(stderr, "\nkrl: %s\n", e.what());
+        std::fprintf(stderr, "%skrl: %s\n", bar.shown() ? "\n" : "", e.what());
       }
     }
   }
