@@ -1,6 +1,8 @@
 #include "cli/fields.h"
 
+#include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -47,14 +49,6 @@ const emu::DeclaredField& FindField(const emu::DeclaredEffect& effect, const std
   throw std::runtime_error(effect.DisplayName() + " has no field \"" + name + "\"; its fields are " + valid);
 }
 
-std::string ItemList(const emu::DeclaredField& f) {
-  std::string list;
-  for (const emu::DeclaredItem& item : f.items) {
-    list += (list.empty() ? "" : ", ") + std::to_string(item.value) + " \"" + item.label + "\"";
-  }
-  return list;
-}
-
 int32_t SelectorValue(const emu::DeclaredField& f, const std::string& text) {
   int32_t v = 0;
   const bool numeric = ParseInt(text, &v);
@@ -80,13 +74,71 @@ KrColor ParseColor(const emu::DeclaredField& f, const std::string& text) {
   throw std::runtime_error(f.key + " is a colour: write #RRGGBB or r,g,b, not \"" + text + "\"");
 }
 
+bool IsCurve(const emu::DeclaredField& f) { return f.kind == "Alpha" || f.kind == "FloatA"; }
+
+// Splits "KEY=VALUE" and finds the field; `option` names the option in errors.
+const emu::DeclaredField& FieldOf(const emu::Instance& instance, const std::string& setting, const char* option,
+                                  std::string* value) {
+  const size_t eq = setting.find('=');
+  if (eq == std::string::npos) throw std::runtime_error(std::string(option) + " takes KEY=VALUE, not \"" + setting + "\"");
+  *value = setting.substr(eq + 1);
+  return FindField(instance.effect(), setting.substr(0, eq));
+}
+
 }  // namespace
 
+std::string ItemList(const emu::DeclaredField& f) {
+  std::string list;
+  for (const emu::DeclaredItem& item : f.items) {
+    list += (list.empty() ? "" : ", ") + std::to_string(item.value) + " \"" + item.label + "\"";
+  }
+  return list;
+}
+
+std::string RangeText(const emu::DeclaredField& f) {
+  if (!f.hasRange) return "";
+  return Number(f.minimum) + ".." + Number(f.maximum) + (f.Limited() ? " (enforced)" : "");
+}
+
+void ApplyCurve(emu::Instance& instance, const std::string& setting) {
+  std::string text;
+  const emu::DeclaredField& f = FieldOf(instance, setting, "--curve", &text);
+  if (!IsCurve(f)) {
+    std::string curves;
+    for (const emu::DeclaredField& other : instance.effect().fields) {
+      if (IsCurve(other)) curves += (curves.empty() ? "" : ", ") + other.key;
+    }
+    throw std::runtime_error(f.key + " is no curve; the curves of " + instance.effect().DisplayName() + " are " +
+                             (curves.empty() ? "none" : curves));
+  }
+  std::vector<emu::CurvePoint> points;
+  size_t start = 0;
+  while (start <= text.size()) {
+    const size_t comma = std::min(text.find(',', start), text.size());
+    const std::string point = text.substr(start, comma - start);
+    const size_t colon = point.find(':');
+    emu::CurvePoint p{};
+    if (colon == std::string::npos || !ParseDouble(point.substr(0, colon), &p.position) ||
+        !ParseDouble(point.substr(colon + 1), &p.value) || !std::isfinite(p.position)) {
+      throw std::runtime_error(f.key + " takes points POSITION:VALUE separated by commas (0:0,0.5:1,1:1), not \"" +
+                               text + "\"");
+    }
+    CheckRange(f, p.value, point.substr(colon + 1));
+    emu::InsertCurvePoint(points, p);
+    start = comma + 1;
+  }
+  instance.SetCurve(f.key, std::move(points));
+}
+
+void ApplyFieldOptions(emu::Instance& instance, const std::vector<std::string>& settings,
+                       const std::vector<std::string>& curves) {
+  for (const std::string& setting : settings) ApplySetting(instance, setting);
+  for (const std::string& curve : curves) ApplyCurve(instance, curve);
+}
+
 void ApplySetting(emu::Instance& instance, const std::string& setting) {
-  const size_t eq = setting.find('=');
-  if (eq == std::string::npos) throw std::runtime_error("--set takes KEY=VALUE, not \"" + setting + "\"");
-  const emu::DeclaredField& f = FindField(instance.effect(), setting.substr(0, eq));
-  const std::string text = setting.substr(eq + 1);
+  std::string text;
+  const emu::DeclaredField& f = FieldOf(instance, setting, "--set", &text);
   if (f.kind == "Selector") {
     instance.SetValue(f.key, SelectorValue(f, text));
   } else if (f.kind == "Long") {
@@ -139,7 +191,7 @@ std::vector<std::string> DescribeField(const emu::Instance& instance, const emu:
   char head[512];
   std::snprintf(head, sizeof head, "%-14s %-9s \"%s\"", f.key.c_str(), f.kind.c_str(), f.label.c_str());
   std::string line = head;
-  if (f.hasRange) line += "  range " + Number(f.minimum) + ".." + Number(f.maximum) + (f.Limited() ? " (enforced)" : "");
+  if (f.hasRange) line += "  range " + RangeText(f);
   if (f.HasFlag("KrdfHideCurve")) line += "  (no curve)";
   const std::string value = FieldValueText(instance, f);
   if (!value.empty()) line += "  default " + value;

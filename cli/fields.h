@@ -13,12 +13,23 @@ namespace krl::cli {
 // colours as #RRGGBB or r,g,b; booleans as on/off; curves as one number).
 // Throws with a message that names what would have been valid.
 void ApplySetting(emu::Instance& instance, const std::string& setting);
+// Applies "KEY=POS:VAL,POS:VAL,..." to a curve field (Alpha, FloatA): the
+// host joins the points by straight lines.
+void ApplyCurve(emu::Instance& instance, const std::string& setting);
+// Every --set, then every --curve, in the order given.
+void ApplyFieldOptions(emu::Instance& instance, const std::vector<std::string>& settings,
+                       const std::vector<std::string>& curves);
 
 // One field as text: kind, key, label, range, flags, items and the value the
 // instance holds (after init: the default).
 std::vector<std::string> DescribeField(const emu::Instance& instance, const emu::DeclaredField& field);
 
-// "Long 1..8 (limits)" and the like, and the instance's value of the field.
+// The instance's value of the field: "0 \"Image 1 > Image 2\"", "on", "#FF2000",
+// "curve (0, 0) (1, 1)"; empty for an input.
 std::string FieldValueText(const emu::Instance& instance, const emu::DeclaredField& field);
+// "1..8 (enforced)"; empty when the field declares no range.
+std::string RangeText(const emu::DeclaredField& field);
+// "0 \"Image 1 > Image 2\", 1 \"Image 2 > Image 1\""; empty for no items.
+std::string ItemList(const emu::DeclaredField& field);
 
 }  // namespace krl::cli

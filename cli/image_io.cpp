@@ -1,10 +1,11 @@
 #include "cli/image_io.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <cstring>
 #include <memory>
 #include <stdexcept>
-#include <vector>
+
+#include "cli/staging.h"
 
 #define STB_IMAGE_IMPLEMENTATION
 #define STBI_FAILURE_USERMSG
@@ -14,39 +15,79 @@
 
 namespace krl::cli {
 
-emu::Frame ReadImage(const std::string& path) {
-  int w = 0, h = 0, channels = 0;
-  std::unique_ptr<stbi_uc, void (*)(void*)> rgba(stbi_load(path.c_str(), &w, &h, &channels, 4), stbi_image_free);
-  if (!rgba) throw std::runtime_error("cannot read " + path + ": " + stbi_failure_reason());
+emu::Frame FromRgbaRows(const uint8_t* rgba, int32_t w, int32_t h) {
   emu::Frame frame(w, h);
-  for (int y = 0; y < h; ++y) {
-    const stbi_uc* row = rgba.get() + static_cast<size_t>(h - 1 - y) * w * 4;  // files run top-down
-    for (int x = 0; x < w; ++x) {
-      const stbi_uc* p = row + x * 4;
-      frame.At(x, y) = emu::Pixel(p[0], p[1], p[2], p[3]);
+  for (int32_t y = 0; y < h; ++y) {
+    const uint8_t* row = rgba + static_cast<size_t>(h - 1 - y) * w * 4;
+    uint32_t* out = &frame.pixels[static_cast<size_t>(y) * w];
+    for (int32_t x = 0; x < w; ++x) {
+      const uint8_t* p = row + x * 4;
+      out[x] = emu::Pixel(p[0], p[1], p[2], p[3]);
     }
   }
   return frame;
 }
 
-void WritePng(const emu::Frame& frame, const std::string& path) {
+std::vector<uint8_t> ToRgbaRows(const emu::Frame& frame) {
   std::vector<uint8_t> rgba(frame.ByteCount());
   for (int32_t y = 0; y < frame.height; ++y) {
     uint8_t* row = rgba.data() + static_cast<size_t>(frame.height - 1 - y) * frame.width * 4;
+    const uint32_t* in = &frame.pixels[static_cast<size_t>(y) * frame.width];
     for (int32_t x = 0; x < frame.width; ++x) {
-      const uint32_t px = frame.At(x, y);
-      row[x * 4 + 0] = static_cast<uint8_t>(px >> 16);
-      row[x * 4 + 1] = static_cast<uint8_t>(px >> 8);
-      row[x * 4 + 2] = static_cast<uint8_t>(px);
-      row[x * 4 + 3] = static_cast<uint8_t>(px >> 24);
+      row[x * 4 + 0] = static_cast<uint8_t>(in[x] >> 16);
+      row[x * 4 + 1] = static_cast<uint8_t>(in[x] >> 8);
+      row[x * 4 + 2] = static_cast<uint8_t>(in[x]);
+      row[x * 4 + 3] = static_cast<uint8_t>(in[x] >> 24);
     }
   }
-  const std::string partial = path + ".partial";
-  if (!stbi_write_png(partial.c_str(), frame.width, frame.height, 4, rgba.data(), frame.width * 4) ||
-      std::rename(partial.c_str(), path.c_str()) != 0) {
-    std::remove(partial.c_str());
-    throw std::runtime_error("cannot write " + path);
+  return rgba;
+}
+
+emu::Frame ReadImage(const std::string& path) {
+  int w = 0, h = 0, channels = 0;
+  std::unique_ptr<stbi_uc, void (*)(void*)> rgba(stbi_load(path.c_str(), &w, &h, &channels, 4), stbi_image_free);
+  if (!rgba) throw std::runtime_error("cannot read " + path + ": " + stbi_failure_reason());
+  return FromRgbaRows(rgba.get(), w, h);
+}
+
+namespace {
+
+template <typename Encode>
+void WriteStaged(const emu::Frame& frame, const std::string& path, Encode encode) {
+  if (frame.pixels.empty()) throw std::runtime_error("cannot write " + path + ": the picture is empty");
+  const std::vector<uint8_t> rgba = ToRgbaRows(frame);
+  StagedFile file(path);
+  if (!encode(file.path().c_str(), rgba.data())) throw std::runtime_error("cannot write " + path);
+  file.Commit();
+}
+
+}  // namespace
+
+void WritePng(const emu::Frame& frame, const std::string& path) {
+  WriteStaged(frame, path, [&](const char* name, const uint8_t* rgba) {
+    return stbi_write_png(name, frame.width, frame.height, 4, rgba, frame.width * 4) != 0;
+  });
+}
+
+void WriteJpeg(const emu::Frame& frame, const std::string& path, int quality) {
+  WriteStaged(frame, path, [&](const char* name, const uint8_t* rgba) {
+    return stbi_write_jpg(name, frame.width, frame.height, 4, rgba, quality) != 0;
+  });
+}
+
+emu::Frame Strip(const std::vector<const emu::Frame*>& frames, bool horizontal, int32_t gap, uint32_t background) {
+  if (frames.empty()) return {};
+  const int32_t w = frames[0]->width, h = frames[0]->height, n = static_cast<int32_t>(frames.size());
+  emu::Frame out(horizontal ? n * w + (n - 1) * gap : w, horizontal ? h : n * h + (n - 1) * gap, background);
+  for (int32_t i = 0; i < n; ++i) {
+    // Stacked frames run top to bottom, so the first lies highest (rows count from the bottom).
+    const int32_t x0 = horizontal ? i * (w + gap) : 0;
+    const int32_t y0 = horizontal ? 0 : (n - 1 - i) * (h + gap);
+    for (int32_t y = 0; y < h; ++y) {
+      std::memcpy(&out.At(x0, y0 + y), &frames[i]->pixels[static_cast<size_t>(y) * w], static_cast<size_t>(w) * 4);
+    }
   }
+  return out;
 }
 
 emu::Frame Scale(const emu::Frame& in, int32_t width, int32_t height) {

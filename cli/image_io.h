@@ -1,7 +1,9 @@
-// Pictures in and out of the previewer: PNG files to and from host frames.
+// Pictures in and out of the previewer: image files to and from host frames.
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "emulator/frame.h"
 
@@ -9,9 +11,18 @@ namespace krl::cli {
 
 // Reads a PNG (or JPEG, BMP, ...) file; throws with a clear message.
 emu::Frame ReadImage(const std::string& path);
-// Writes a PNG atomically: a failed write leaves nothing under `path`.
+// Writes a PNG or a JPEG (quality 1..100) whole or not at all.
 void WritePng(const emu::Frame& frame, const std::string& path);
+void WriteJpeg(const emu::Frame& frame, const std::string& path, int quality);
 // Bilinear scaling to another size, in integer arithmetic.
 emu::Frame Scale(const emu::Frame& frame, int32_t width, int32_t height);
+
+// Files hold pictures top-down as R, G, B, A bytes; host frames bottom-up.
+emu::Frame FromRgbaRows(const uint8_t* rgba, int32_t width, int32_t height);
+std::vector<uint8_t> ToRgbaRows(const emu::Frame& frame);
+
+// Frames side by side (horizontal) or stacked top to bottom, `gap` pixels of
+// `background` between them; all frames the size of the first.
+emu::Frame Strip(const std::vector<const emu::Frame*>& frames, bool horizontal, int32_t gap, uint32_t background);
 
 }  // namespace krl::cli

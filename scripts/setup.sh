@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
 # Installs what building and testing need on a Debian 12 machine, and only
-# what is missing. Safe to run again.
+# what is missing. Safe to run again. ffmpeg is the program krl hands video
+# to (it is not linked); chromium tests the gallery page headless; clang
+# builds the fuzzers; Google Benchmark the benchmark.
 set -euo pipefail
 
-packages=(cmake make g++ g++-multilib googletest libstb-dev libbenchmark-dev clang libclang-rt-14-dev)
+packages=(cmake make g++ g++-multilib googletest libstb-dev libbenchmark-dev clang libclang-rt-14-dev
+          ffmpeg chromium)
 
 missing=()
 for p in "${packages[@]}"; do

@@ -1,0 +1,115 @@
+// krl gallery: every declared transition gets a filmstrip at Progress 0,
+// 1/6, ..., 1 (checked pixel for pixel), its stacked animation frames, an
+// entry on the page; and a folder that is not a gallery is never replaced.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "cli/gallery_page.h"
+#include "cli/image_io.h"
+#include "cli_run.h"
+#include "test_support.h"
+
+namespace krl::test {
+namespace {
+
+// Picture k of a filmstrip of pictures w x h.
+emu::Frame FilmstripPicture(const emu::Frame& strip, int32_t k, int32_t w, int32_t h) {
+  emu::Frame picture(w, h);
+  for (int32_t y = 0; y < h; ++y) {
+    for (int32_t x = 0; x < w; ++x) picture.At(x, y) = strip.At(k * (w + cli::kFilmstripGap) + x, y);
+  }
+  return picture;
+}
+
+TEST(Gallery, ShowsEveryDeclaredTransition) {
+  // 7 frames: the filmstrip's pictures are animation frames; 9: they are rendered apart.
+  for (const int frames : {7, 9}) {
+    const std::string dir = FreshFolder("gallery") + "/out";
+    const Outcome r = Krl("gallery -o " + dir + " --size 24x14 --frames " + std::to_string(frames), "PATH=/nonexistent");
+    ASSERT_EQ(r.exit, 0) << r.output;
+    const std::string page = ReadFile(dir + "/index.html");
+    EXPECT_NE(page.find(cli::kGalleryMarker), std::string::npos);
+    EXPECT_EQ(page.find("http"), std::string::npos) << "the page refers to nothing outside";
+    EXPECT_EQ(page.find("preview.webp"), std::string::npos) << "no animated file without ffmpeg";
+    for (const emu::DeclaredEffect& e : Library().effects()) {
+      SCOPED_TRACE(e.name);
+      const std::string folder = dir + "/" + cli::Slug(e.DisplayName());
+      EXPECT_NE(page.find("<h3>" + e.DisplayName() + "</h3>"), std::string::npos);
+      EXPECT_NE(page.find("<h2>" + e.name.substr(0, e.name.rfind('/')) + "</h2>"), std::string::npos);
+      const emu::Frame stack = cli::ReadImage(folder + "/" + cli::kFramesFile);
+      ASSERT_EQ(stack.width, 24);
+      ASSERT_EQ(stack.height, 14 * frames);
+      const emu::Frame strip = cli::ReadImage(folder + "/" + cli::kFilmstripFile);
+      ASSERT_EQ(strip.width, 7 * 24 + 6 * cli::kFilmstripGap);
+      ASSERT_EQ(strip.height, 14);
+      for (int k = 0; k <= 6; ++k) {
+        const int nearest = (k * (frames - 1) + 3) / 6;
+        // Transitions that draw from rand() depend on what rendered before
+        // them; the fade, which does not, shows that every picture is right.
+        if (e.DisplayName() == "Traditional Fade") {
+          EXPECT_EQ(FilmstripPicture(strip, k, 24, 14).pixels, Expected(e.name, 24, 14, nearest, k / 6.0).pixels)
+              << "Progress " << k << "/6 of " << frames << " frames";
+        }
+      }
+    }
+    EXPECT_TRUE(Leftovers(dir + "/..").empty());
+  }
+}
+
+TEST(Gallery, AddsAnAnimatedPreviewWithFfmpeg) {
+  if (!HaveFfmpeg()) GTEST_SKIP() << "ffmpeg is not installed";
+  const std::string dir = FreshFolder("gallery_webp") + "/out";
+  const Outcome r = Krl("gallery -o " + dir + " --size 24x14 --frames 4 --quiet");
+  ASSERT_EQ(r.exit, 0) << r.output;
+  EXPECT_EQ(r.output, "");
+  const std::string webp = ReadFile(dir + "/traditional-fade/preview.webp");
+  EXPECT_EQ(webp.substr(0, 4), "RIFF");
+  EXPECT_EQ(webp.substr(8, 4), "WEBP");
+  EXPECT_NE(ReadFile(dir + "/index.html").find("traditional-fade/preview.webp"), std::string::npos);
+}
+
+TEST(Gallery, ShowsTheTransitionsThatRenderAndSaysWhichDoNot) {
+  const std::string dir = FreshFolder("gallery_refused") + "/out";
+  const Outcome r = Krl("gallery --size 8x6 --frames 5 -o " + dir + " --library " + KRL_REFUSING_PLUGIN_PATH,
+                        "PATH=/nonexistent");
+  EXPECT_EQ(r.exit, 0) << r.output;
+  EXPECT_NE(r.output.find("krl: Refuses refused the frame at Progress 0.75: Past the middle"), std::string::npos)
+      << r.output;
+  EXPECT_NE(r.output.find("wrote a gallery of 2 transitions to " + dir + " (1 could not be rendered)"),
+            std::string::npos) << r.output;
+  const std::string page = ReadFile(dir + "/index.html");
+  EXPECT_NE(page.find("Could not be rendered: Refuses refused the frame at Progress 0.75: Past the middle"),
+            std::string::npos);
+  EXPECT_TRUE(Exists(dir + "/shows-b/" + cli::kFilmstripFile));
+  EXPECT_FALSE(Exists(dir + "/refuses"));
+  EXPECT_EQ(page.find("refuses/"), std::string::npos) << "no picture of what was not rendered";
+}
+
+TEST(Gallery, ReplacesOnlyItsOwnGalleries) {
+  const std::string dir = FreshFolder("gallery_replace");
+  const std::string ours = dir + "/ours", theirs = dir + "/theirs";
+  const std::string gallery = "gallery --size 8x6 --frames 2 -o ";
+  ASSERT_EQ(Krl(gallery + ours, "PATH=/nonexistent").exit, 0);
+  WriteFile(ours + "/stale.txt", "from before\n");
+  const Outcome again = Krl(gallery + ours, "PATH=/nonexistent");
+  EXPECT_EQ(again.exit, 0) << again.output;
+  EXPECT_FALSE(Exists(ours + "/stale.txt"));
+  EXPECT_TRUE(Exists(ours + "/index.html"));
+
+  std::filesystem::create_directories(theirs);
+  WriteFile(theirs + "/notes.txt", "keep me\n");
+  const Outcome refused = Krl(gallery + theirs);
+  EXPECT_EQ(refused.exit, 1);
+  EXPECT_NE(refused.output.find(theirs + " exists and is not a gallery krl wrote"), std::string::npos) << refused.output;
+  EXPECT_EQ(ReadFile(theirs + "/notes.txt"), "keep me\n");
+  EXPECT_FALSE(Exists(theirs + "/index.html"));
+
+  const Outcome broken = Krl(gallery + dir + "/new --library /nonexistent/lib.so");
+  EXPECT_EQ(broken.exit, 1);
+  EXPECT_FALSE(Exists(dir + "/new"));
+  EXPECT_TRUE(Leftovers(dir).empty());
+}
+
+}  // namespace
+}  // namespace krl::test
