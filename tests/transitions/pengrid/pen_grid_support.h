@@ -1,0 +1,85 @@
+// Helpers for the pen-grid tests: clips whose every pixel names its clip and
+// position, so an output pixel tells where it was read from, and rows or
+// columns of the output written as runs ("B16 P4 A13").
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "test_support.h"
+
+namespace krl::test {
+
+inline constexpr uint8_t kTagA = 0xA1, kTagB = 0xB2;
+// The host delivers the pen with alpha 0; it must be drawn opaque.
+inline constexpr KrColor kPenFromHost{0x00, 0x20, 0xFF, 0x00};
+inline constexpr uint32_t kPen = 0xFFFF2000;
+inline constexpr uint32_t kUntouched = 0xDEADBEEF;
+
+// Pixel (x, y) of a coded clip: tag, row and column (each below 4096).
+inline uint32_t Code(uint8_t tag, int32_t x, int32_t y) {
+  return (uint32_t{tag} << 24) | (static_cast<uint32_t>(y & 0xFFF) << 12) | static_cast<uint32_t>(x & 0xFFF);
+}
+inline int32_t CodedX(uint32_t pixel) { return static_cast<int32_t>(pixel & 0xFFF); }
+inline int32_t CodedY(uint32_t pixel) { return static_cast<int32_t>((pixel >> 12) & 0xFFF); }
+
+inline emu::Frame Coded(int32_t w, int32_t h, uint8_t tag) {
+  emu::Frame f(w, h);
+  for (int32_t y = 0; y < h; ++y) {
+    for (int32_t x = 0; x < w; ++x) f.At(x, y) = Code(tag, x, y);
+  }
+  return f;
+}
+
+inline char SourceOf(uint32_t pixel) {
+  if (pixel == kPen) return 'P';
+  if (pixel == kUntouched) return '.';
+  if (pixel >> 24 == kTagA) return 'A';
+  if (pixel >> 24 == kTagB) return 'B';
+  return '?';
+}
+
+// The sources along a line of pixels as runs: "B16 P4 A13".
+inline std::string Runs(const std::vector<uint32_t>& line) {
+  std::string out;
+  for (size_t i = 0; i < line.size();) {
+    size_t j = i;
+    while (j < line.size() && SourceOf(line[j]) == SourceOf(line[i])) ++j;
+    if (!out.empty()) out += ' ';
+    out += SourceOf(line[i]) + std::to_string(j - i);
+    i = j;
+  }
+  return out;
+}
+
+inline std::string RowRuns(const emu::Frame& f, int32_t y) {
+  return Runs(std::vector<uint32_t>(f.pixels.begin() + static_cast<ptrdiff_t>(y) * f.width,
+                                    f.pixels.begin() + static_cast<ptrdiff_t>(y + 1) * f.width));
+}
+
+// From row 0 (the bottom) upwards.
+inline std::string ColumnRuns(const emu::Frame& f, int32_t x) {
+  std::vector<uint32_t> line;
+  for (int32_t y = 0; y < f.height; ++y) line.push_back(f.At(x, y));
+  return Runs(line);
+}
+
+using FieldValues = std::vector<std::pair<std::string, int32_t>>;
+
+// One render of a coded A and B into an output that starts as kUntouched,
+// with the pen colour kPenFromHost and the given field values.
+inline emu::Frame RenderCoded(const std::string& effect, int32_t w, int32_t h, double progress,
+                              const FieldValues& values = {}) {
+  emu::Instance instance(Library(), Effect(Library(), effect));
+  instance.SetColor("Color", kPenFromHost);
+  for (const auto& [key, value] : values) instance.SetValue(key, value);
+  emu::Frame out(w, h, kUntouched);
+  EXPECT_EQ(instance.Render(Coded(w, h, kTagA), Coded(w, h, kTagB), out, progress), 1);
+  EXPECT_TRUE(instance.diagnostics().empty());
+  return out;
+}
+
+}  // namespace krl::test
