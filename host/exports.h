@@ -8,6 +8,8 @@
 // calls them; each new transition adds its row at its place in that order.
 #define KR_EFFECTS(X) \
   X(FadeDissolve)       \
+  X(Push)               \
+  X(Slide)              \
   X(Wipe)
 
 #define KR_DECLARE_PROTOTYPE(name) KR_EXPORT int32_t KrDeclare##name(t_KrHostInfo* hi);

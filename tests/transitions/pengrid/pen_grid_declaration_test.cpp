@@ -27,6 +27,8 @@ const char* const kIrisHelp = "Specifies whether the iris is opened or closed.";
 
 const PenGridDeclaration kDeclarations[] = {
     {"Wipe", "Specifies the position where Vb starts to move in.", kTravel, nullptr},
+    {"Slide", "Specifies the position where Vb starts to slide in.", kTravel, nullptr},
+    {"Push", "Specifies the position where Vb starts to move in.", kTravel, nullptr},
 };
 
 void ExpectItems(const emu::DeclaredField& f, const std::vector<Item>& items) {

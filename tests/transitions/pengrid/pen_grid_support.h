@@ -67,6 +67,34 @@ inline std::string ColumnRuns(const emu::Frame& f, int32_t x) {
   return Runs(line);
 }
 
+// The sources along a line with where each run reads: "B50@50 P4 A46@0" is
+// 50 pixels of B from B's column (or row) 50 on, 4 of pen, then A from 0. A
+// run breaks where the reads jump; a read off the line's own row (column)
+// shows as '!'.
+inline std::string Reads(const emu::Frame& f, bool alongRow, int32_t line) {
+  const int32_t count = alongRow ? f.width : f.height;
+  auto pixel = [&](int32_t i) { return alongRow ? f.At(i, line) : f.At(line, i); };
+  auto along = [&](uint32_t px) { return alongRow ? CodedX(px) : CodedY(px); };
+  auto across = [&](uint32_t px) { return alongRow ? CodedY(px) : CodedX(px); };
+  auto coded = [](uint32_t px) { return SourceOf(px) == 'A' || SourceOf(px) == 'B'; };
+  std::string out;
+  for (int32_t i = 0; i < count;) {
+    const uint32_t first = pixel(i);
+    int32_t j = i + 1;
+    while (j < count && SourceOf(pixel(j)) == SourceOf(first) &&
+           (!coded(first) || along(pixel(j)) == along(first) + (j - i))) {
+      ++j;
+    }
+    if (!out.empty()) out += ' ';
+    out += SourceOf(first) + std::to_string(j - i);
+    if (coded(first)) out += "@" + std::to_string(along(first)) + (across(first) == line ? "" : "!");
+    i = j;
+  }
+  return out;
+}
+inline std::string RowReads(const emu::Frame& f, int32_t y) { return Reads(f, true, y); }
+inline std::string ColumnReads(const emu::Frame& f, int32_t x) { return Reads(f, false, x); }
+
 using FieldValues = std::vector<std::pair<std::string, int32_t>>;
 
 // One render of a coded A and B into an output that starts as kUntouched,
