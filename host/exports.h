@@ -8,6 +8,7 @@
 // calls them; each new transition adds its row at its place in that order.
 #define KR_EFFECTS(X) \
   X(FadeDissolve)       \
+  X(Inset)              \
   X(Push)               \
   X(Slide)              \
   X(Wipe)

@@ -29,6 +29,8 @@ const PenGridDeclaration kDeclarations[] = {
     {"Wipe", "Specifies the position where Vb starts to move in.", kTravel, nullptr},
     {"Slide", "Specifies the position where Vb starts to slide in.", kTravel, nullptr},
     {"Push", "Specifies the position where Vb starts to move in.", kTravel, nullptr},
+    {"Inset", "Specifies the starting point for the transition.",
+     {{"Top Left", 0}, {"Top Right", 1}, {"Bottom Left", 2}, {"Bottom Right", 3}}, nullptr},
 };
 
 void ExpectItems(const emu::DeclaredField& f, const std::vector<Item>& items) {

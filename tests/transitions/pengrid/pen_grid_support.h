@@ -70,8 +70,8 @@ inline std::string ColumnRuns(const emu::Frame& f, int32_t x) {
 // The sources along a line with where each run reads: "B50@50 P4 A46@0" is
 // 50 pixels of B from B's column (or row) 50 on, 4 of pen, then A from 0. A
 // run breaks where the reads jump; a read off the line's own row (column)
-// shows as '!'.
-inline std::string Reads(const emu::Frame& f, bool alongRow, int32_t line) {
+// shows as '!', or with both coordinates its row ("B3@7,2") when asked.
+inline std::string Reads(const emu::Frame& f, bool alongRow, int32_t line, bool bothCoordinates = false) {
   const int32_t count = alongRow ? f.width : f.height;
   auto pixel = [&](int32_t i) { return alongRow ? f.At(i, line) : f.At(line, i); };
   auto along = [&](uint32_t px) { return alongRow ? CodedX(px) : CodedY(px); };
@@ -87,7 +87,14 @@ inline std::string Reads(const emu::Frame& f, bool alongRow, int32_t line) {
     }
     if (!out.empty()) out += ' ';
     out += SourceOf(first) + std::to_string(j - i);
-    if (coded(first)) out += "@" + std::to_string(along(first)) + (across(first) == line ? "" : "!");
+    if (coded(first)) {
+      out += "@" + std::to_string(along(first));
+      if (bothCoordinates) {
+        out += "," + std::to_string(across(first));
+      } else if (across(first) != line) {
+        out += "!";
+      }
+    }
     i = j;
   }
   return out;
