@@ -9,6 +9,7 @@
 #define KR_EFFECTS(X) \
   X(FadeDissolve)       \
   X(Inset)              \
+  X(IrisCross)          \
   X(Push)               \
   X(Slide)              \
   X(Wipe)
