@@ -10,6 +10,7 @@
   X(FadeDissolve)       \
   X(Inset)              \
   X(IrisCross)          \
+  X(IrisSquared)        \
   X(Push)               \
   X(Slide)              \
   X(Wipe)
