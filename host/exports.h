@@ -10,6 +10,7 @@
   X(FadeDissolve)       \
   X(Inset)              \
   X(IrisCross)          \
+  X(IrisDiamond)        \
   X(IrisSquared)        \
   X(Push)               \
   X(Slide)              \

@@ -32,6 +32,7 @@ const PenGridDeclaration kDeclarations[] = {
     {"Inset", "Specifies the starting point for the transition.",
      {{"Top Left", 0}, {"Top Right", 1}, {"Bottom Left", 2}, {"Bottom Right", 3}}, nullptr},
     {"Iris Cross", kIrisHelp, kIris, nullptr},
+    {"Iris Diamond", kIrisHelp, kIris, nullptr},
     {"Iris Squared", kIrisHelp, kIris, nullptr},
 };
 
