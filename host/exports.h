@@ -11,6 +11,7 @@
   X(Inset)              \
   X(IrisCross)          \
   X(IrisDiamond)        \
+  X(IrisRound)          \
   X(IrisSquared)        \
   X(Push)               \
   X(Slide)              \

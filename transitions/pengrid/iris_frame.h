@@ -52,7 +52,10 @@ struct IrisFrame {
 template <typename Classify, typename Paint>
 void ForEachRun(int32_t begin, int32_t end, std::span<int32_t> cuts, Classify classify, Paint paint) {
   if (begin >= end) return;
-  std::sort(cuts.begin(), cuts.end());
+  // A handful of cuts: insertion sort.
+  for (size_t i = 1; i < cuts.size(); ++i) {
+    for (size_t j = i; j > 0 && cuts[j] < cuts[j - 1]; --j) std::swap(cuts[j], cuts[j - 1]);
+  }
   int32_t runBegin = begin;
   Source runSource = classify(begin);
   for (const int32_t cut : cuts) {

@@ -33,6 +33,7 @@ const PenGridDeclaration kDeclarations[] = {
      {{"Top Left", 0}, {"Top Right", 1}, {"Bottom Left", 2}, {"Bottom Right", 3}}, nullptr},
     {"Iris Cross", kIrisHelp, kIris, nullptr},
     {"Iris Diamond", kIrisHelp, kIris, nullptr},
+    {"Iris Round", kIrisHelp, kIris, "Anti-Aliasing"},
     {"Iris Squared", kIrisHelp, kIris, nullptr},
 };
 
@@ -53,6 +54,22 @@ void ExpectLong(const emu::DeclaredField& f, const char* label, double minimum, 
   EXPECT_EQ(f.helpSource, help);
 }
 
+// The own fields of Iris Round and Iris Star.
+void ExpectNinth(const emu::DeclaredField& f) {
+  EXPECT_TRUE(f.flags.empty());
+  if (f.key == "Anti-Aliasing") {
+    EXPECT_EQ(f.kind, "Bool");
+    EXPECT_EQ(f.labelSource, "Anti-Aliasing");
+    EXPECT_EQ(f.helpSource, "This option offers an improvement of quality.");
+  } else {
+    EXPECT_EQ(f.key, "SmoothingFactor");
+    EXPECT_EQ(f.kind, "Selector");
+    EXPECT_EQ(f.labelSource, "Gauss Filter");
+    EXPECT_EQ(f.helpSource, "This filter allows you to add a kind of blur effect.");
+    ExpectItems(f, {{"None", 0}, {"Small", 1}, {"Medium", 2}, {"Large", 3}});
+  }
+}
+
 TEST(PenGridDeclaration, FieldsTextForTextInTheirOrder) {
   for (const PenGridDeclaration& d : kDeclarations) {
     SCOPED_TRACE(d.effect);
@@ -63,6 +80,7 @@ TEST(PenGridDeclaration, FieldsTextForTextInTheirOrder) {
                                          "Divide_Y", "Color", "BorderWidth"};
     if (d.ninthKey != nullptr) expected.push_back(d.ninthKey);
     ASSERT_EQ(keys, expected);
+    if (d.ninthKey != nullptr) ExpectNinth(e.fields[8]);
 
     const emu::DeclaredField& direction = e.fields[3];
     EXPECT_EQ(direction.kind, "Selector");
