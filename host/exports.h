@@ -13,6 +13,7 @@
   X(IrisDiamond)        \
   X(IrisRound)          \
   X(IrisSquared)        \
+  X(IrisStar)           \
   X(Push)               \
   X(Slide)              \
   X(Wipe)

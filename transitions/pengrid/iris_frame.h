@@ -47,21 +47,23 @@ struct IrisFrame {
 };
 
 // Splits [begin, end) at the cut columns and hands each longest run of one
-// source to paint(source, runBegin, runEnd). The source must not change
-// between cuts; classify(x) is asked once at begin and at every cut inside.
+// class (a Source, or any value the caller tells pixels apart by) to
+// paint(class, runBegin, runEnd). The class must not change between cuts;
+// classify(x) is asked once at begin and at every cut inside.
 template <typename Classify, typename Paint>
 void ForEachRun(int32_t begin, int32_t end, std::span<int32_t> cuts, Classify classify, Paint paint) {
+  using Class = decltype(classify(begin));
   if (begin >= end) return;
   // A handful of cuts: insertion sort.
   for (size_t i = 1; i < cuts.size(); ++i) {
     for (size_t j = i; j > 0 && cuts[j] < cuts[j - 1]; --j) std::swap(cuts[j], cuts[j - 1]);
   }
   int32_t runBegin = begin;
-  Source runSource = classify(begin);
+  Class runSource = classify(begin);
   for (const int32_t cut : cuts) {
     if (cut <= begin) continue;
     if (cut >= end) break;
-    const Source source = classify(cut);
+    const Class source = classify(cut);
     if (source != runSource) {
       paint(runSource, runBegin, cut);
       runBegin = cut;
@@ -78,17 +80,27 @@ inline Source PolygonPairSource(const RowCrossings& inner, const RowCrossings& o
   return inner.Inside(x) ? Source::Inside : Source::Pen;
 }
 
-// One row of a cell under that rule, cut where either polygon's answer changes.
+// The columns of one row where either polygon's answer may change.
+class PairCuts {
+ public:
+  PairCuts(const RowCrossings& first, const RowCrossings& second) {
+    for (const int32_t x : first.Columns()) columns_[count_++] = x;
+    for (const int32_t x : second.Columns()) columns_[count_++] = x;
+  }
+  std::span<int32_t> Columns() { return {columns_.data(), count_}; }
+
+ private:
+  std::array<int32_t, 2 * RowCrossings::kMaxVertices> columns_{};
+  size_t count_ = 0;
+};
+
+// One row of a cell under the pixel rule of the polygon members.
 template <typename Paint>
 void ForEachPolygonPairRun(const Cell& c, int32_t y, std::span<const Vertex> inner, std::span<const Vertex> outer,
                            Paint paint) {
   const RowCrossings in(inner, y), out(outer, y);
-  std::array<int32_t, 2 * RowCrossings::kMaxVertices> cuts{};
-  size_t count = 0;
-  for (const int32_t x : in.Columns()) cuts[count++] = x;
-  for (const int32_t x : out.Columns()) cuts[count++] = x;
-  ForEachRun(c.x0, c.x1, std::span(cuts.data(), count),
-             [&](int32_t x) { return PolygonPairSource(in, out, x); }, paint);
+  PairCuts cuts(in, out);
+  ForEachRun(c.x0, c.x1, cuts.Columns(), [&](int32_t x) { return PolygonPairSource(in, out, x); }, paint);
 }
 
 inline void PaintPolygonPair(const IrisFrame& f, const Cell& c, std::span<const Vertex> inner,

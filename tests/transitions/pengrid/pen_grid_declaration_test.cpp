@@ -35,6 +35,7 @@ const PenGridDeclaration kDeclarations[] = {
     {"Iris Diamond", kIrisHelp, kIris, nullptr},
     {"Iris Round", kIrisHelp, kIris, "Anti-Aliasing"},
     {"Iris Squared", kIrisHelp, kIris, nullptr},
+    {"Iris Star", kIrisHelp, kIris, "SmoothingFactor"},
 };
 
 void ExpectItems(const emu::DeclaredField& f, const std::vector<Item>& items) {
