@@ -11,17 +11,9 @@
 namespace krl::test {
 namespace {
 
-struct InsetCase {
-  const char* what;
-  int32_t w, h;
-  double progress;
-  FieldValues values;
-  std::vector<std::string> rows;  // reads of each row, from the top (highest index) down
-};
-
 TEST(Inset, BComesInFromACornerBehindAnLShapedPen) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  const InsetCase cases[] = {
+  const RowsCase cases[] = {
       // w = 3, p = 0.5: Top Left rounds 2.0 to a = 2, the other corners truncate 1.5 to 1.
       {"Top Left rounds", 3, 3, 0.5, {}, {"B2@1,1 A1@2,2", "B2@1,0 A1@2,1", "A3@0,0"}},
       {"Top Right truncates", 3, 3, 0.5, {{"Direction", 1}}, {"A2@0,2 B1@0,0", "A3@0,1", "A3@0,0"}},
@@ -42,12 +34,7 @@ TEST(Inset, BComesInFromACornerBehindAnLShapedPen) {
       {"a huge pen stops at the cell", 3, 2, 0.0, {{"BorderWidth", INT32_MAX}}, {"P3", "P3"}},
       {"Divide_Y 0 draws nothing", 3, 2, 0.5, {{"Divide_Y", 0}}, {".3", ".3"}},
   };
-  for (const InsetCase& c : cases) {
-    const emu::Frame out = RenderCoded("Inset", c.w, c.h, c.progress, c.values);
-    std::vector<std::string> rows;
-    for (int32_t y = c.h - 1; y >= 0; --y) rows.push_back(Reads(out, true, y, true));
-    EXPECT_EQ(rows, c.rows) << c.what;
-  }
+  ExpectRows("Inset", cases, RowReadsWithRows);
 }
 
 TEST(Inset, LeavesTheColumnsAndRowsBeyondTheWholeCellsAsTheyWere) {

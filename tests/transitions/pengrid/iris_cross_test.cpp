@@ -7,22 +7,8 @@
 namespace krl::test {
 namespace {
 
-struct CrossCase {
-  const char* what;
-  int32_t w, h;
-  double progress;
-  FieldValues values;
-  std::vector<std::string> rows;  // runs of each row, from the top (highest index) down
-};
-
-std::vector<std::string> RowsFromTop(const emu::Frame& out) {
-  std::vector<std::string> rows;
-  for (int32_t y = out.height - 1; y >= 0; --y) rows.push_back(RowRuns(out, y));
-  return rows;
-}
-
 TEST(IrisCross, BarsOpenOnBBehindAPenOnTheirInside) {
-  const CrossCase cases[] = {
+  const RowsCase cases[] = {
       // h = 5 at 0: the bar starts at 5 / 2 = 2 and ends at trunc(2.5 + 0.5) = 3.
       {"opening at 0, odd sizes", 7, 5, 0.0, {}, {"A3 B1 A3", "A3 B1 A3", "B7", "A3 B1 A3", "A3 B1 A3"}},
       {"opening at 0, even sizes", 4, 2, 0.0, {}, {"A4", "A4"}},
@@ -44,9 +30,7 @@ TEST(IrisCross, BarsOpenOnBBehindAPenOnTheirInside) {
       {"cells of 4 x 2", 8, 4, 0.25, {{"Divide_X", 2}, {"Divide_Y", 2}},
        {"A1 B2 A2 B2 A1", "A1 B2 A2 B2 A1", "A1 B2 A2 B2 A1", "A1 B2 A2 B2 A1"}},
   };
-  for (const CrossCase& c : cases) {
-    EXPECT_EQ(RowsFromTop(RenderCoded("Iris Cross", c.w, c.h, c.progress, c.values)), c.rows) << c.what;
-  }
+  ExpectRows("Iris Cross", cases);
 }
 
 }  // namespace

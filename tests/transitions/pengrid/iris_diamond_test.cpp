@@ -8,17 +8,9 @@
 namespace krl::test {
 namespace {
 
-struct DiamondCase {
-  const char* what;
-  int32_t w, h;
-  double progress;
-  FieldValues values;
-  std::vector<std::string> rows;  // runs of each row, from the top (highest index) down
-};
-
 TEST(IrisDiamond, ADiamondAboutTheCellCentre) {
   // 10 x 10: reach sqrt((25 + 25) / 0.71) = 8.39, so r = 8 at 1 about (5, 5).
-  const DiamondCase cases[] = {
+  const RowsCase cases[] = {
       {"fully open, the corners keep A", 10, 10, 1.0, {},
        {"A1 B8 A1", "B10", "B10", "B10", "B10", "B10", "B10", "B10", "A1 B8 A1", "A2 B6 A2"}},
       {"the pen fills the corners", 10, 10, 1.0, {{"BorderWidth", 1}},
@@ -30,12 +22,7 @@ TEST(IrisDiamond, ADiamondAboutTheCellCentre) {
        {"A10", "A10", "A10", "A4 B2 A4", "A3 B4 A3", "A4 B2 A4", "A10", "A10", "A10", "A10"}},
       {"nothing at 0", 6, 4, 0.0, {{"BorderWidth", 0}}, {"A6", "A6", "A6", "A6"}},
   };
-  for (const DiamondCase& c : cases) {
-    const emu::Frame out = RenderCoded("Iris Diamond", c.w, c.h, c.progress, c.values);
-    std::vector<std::string> rows;
-    for (int32_t y = c.h - 1; y >= 0; --y) rows.push_back(RowRuns(out, y));
-    EXPECT_EQ(rows, c.rows) << c.what;
-  }
+  ExpectRows("Iris Diamond", cases);
 }
 
 }  // namespace

@@ -10,12 +10,6 @@
 namespace krl::test {
 namespace {
 
-std::vector<std::string> RowsFromTop(const emu::Frame& out) {
-  std::vector<std::string> rows;
-  for (int32_t y = out.height - 1; y >= 0; --y) rows.push_back(RowRuns(out, y));
-  return rows;
-}
-
 TEST(IrisRound, ACircleFromTheCellDiagonal) {
   // 10 x 10 at 0.5: rad = sqrt(200) / 4 = 3.54, so q < trunc(12.5) = 12 is inside, about (5, 5).
   EXPECT_EQ(RowsFromTop(RenderCoded("Iris Round", 10, 10, 0.5)),

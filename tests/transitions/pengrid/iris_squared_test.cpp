@@ -7,16 +7,8 @@
 namespace krl::test {
 namespace {
 
-struct SquaredCase {
-  const char* what;
-  int32_t w, h;
-  double progress;
-  FieldValues values;
-  std::vector<std::string> rows;  // runs of each row, from the top (highest index) down
-};
-
 TEST(IrisSquared, ARectangleAroundTheCellCentre) {
-  const SquaredCase cases[] = {
+  const RowsCase cases[] = {
       // a = trunc(5 x 0.5) = 2, b = 1 about (5, 3): columns [3, 7), rows [2, 4).
       {"opening", 10, 6, 0.5, {}, {"A10", "A10", "A3 B4 A3", "A3 B4 A3", "A10", "A10"}},
       {"a pen 3 deep outside the edge", 10, 6, 0.5, {{"BorderWidth", 1}},
@@ -33,12 +25,7 @@ TEST(IrisSquared, ARectangleAroundTheCellCentre) {
       {"nothing at 0", 4, 2, 0.0, {}, {"A4", "A4"}},
       {"two cells of 5 x 3", 10, 3, 1.0, {{"Divide_X", 2}}, {"A10", "B4 A1 B4 A1", "B4 A1 B4 A1"}},
   };
-  for (const SquaredCase& c : cases) {
-    const emu::Frame out = RenderCoded("Iris Squared", c.w, c.h, c.progress, c.values);
-    std::vector<std::string> rows;
-    for (int32_t y = c.h - 1; y >= 0; --y) rows.push_back(RowRuns(out, y));
-    EXPECT_EQ(rows, c.rows) << c.what;
-  }
+  ExpectRows("Iris Squared", cases);
 }
 
 }  // namespace

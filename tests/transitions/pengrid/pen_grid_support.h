@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -100,6 +101,7 @@ inline std::string Reads(const emu::Frame& f, bool alongRow, int32_t line, bool 
   return out;
 }
 inline std::string RowReads(const emu::Frame& f, int32_t y) { return Reads(f, true, y); }
+inline std::string RowReadsWithRows(const emu::Frame& f, int32_t y) { return Reads(f, true, y, true); }
 inline std::string ColumnReads(const emu::Frame& f, int32_t x) { return Reads(f, false, x); }
 
 using FieldValues = std::vector<std::pair<std::string, int32_t>>;
@@ -115,6 +117,29 @@ inline emu::Frame RenderCoded(const std::string& effect, int32_t w, int32_t h, d
   EXPECT_EQ(instance.Render(Coded(w, h, kTagA), Coded(w, h, kTagB), out, progress), 1);
   EXPECT_TRUE(instance.diagnostics().empty());
   return out;
+}
+
+using LineText = std::string (*)(const emu::Frame&, int32_t);
+
+inline std::vector<std::string> RowsFromTop(const emu::Frame& out, LineText line = RowRuns) {
+  std::vector<std::string> rows;
+  for (int32_t y = out.height - 1; y >= 0; --y) rows.push_back(line(out, y));
+  return rows;
+}
+
+// A render and every row it must give, from the top (highest index) down.
+struct RowsCase {
+  const char* what;
+  int32_t w, h;
+  double progress;
+  FieldValues values;
+  std::vector<std::string> rows;
+};
+
+inline void ExpectRows(const std::string& effect, std::span<const RowsCase> cases, LineText line = RowRuns) {
+  for (const RowsCase& c : cases) {
+    EXPECT_EQ(RowsFromTop(RenderCoded(effect, c.w, c.h, c.progress, c.values), line), c.rows) << c.what;
+  }
 }
 
 }  // namespace krl::test
