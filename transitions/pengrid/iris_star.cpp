@@ -5,6 +5,7 @@
 
 #include "host/exports.h"
 #include "transitions/pengrid/iris_frame.h"
+#include "transitions/pengrid/row_box_mean.h"
 
 namespace krl {
 namespace {
@@ -65,25 +66,6 @@ std::array<Vertex, 10> Star(const Cell& c, int32_t hx, int32_t hy, int32_t tip, 
   }};
 }
 
-// The mean of the k x k pixels of the output around (x, y), coordinates held
-// to the frame: bytes 0 to 2 summed and divided with truncation, byte 3 opaque.
-// Blue and red are summed side by side in one word (169 x 255 fits 16 bits).
-uint32_t BoxMean(const FrameRows& rows, int32_t x, int32_t y, int32_t k) {
-  const int32_t half = k / 2, last = rows.width - 1;
-  const bool inner = x - half >= 0 && x + half <= last;
-  uint32_t blueRed = 0, green = 0;
-  for (int32_t dy = -half; dy <= half; ++dy) {
-    const uint32_t* row = rows.Out(std::clamp(y + dy, 0, rows.height - 1));
-    for (int32_t dx = -half; dx <= half; ++dx) {
-      const uint32_t px = row[inner ? x + dx : std::clamp(x + dx, 0, last)];
-      blueRed += px & 0x00FF00FF;
-      green += (px >> 8) & 0xFF;
-    }
-  }
-  const uint32_t area = static_cast<uint32_t>(k * k);
-  return 0xFF000000u | ((blueRed >> 16) / area) << 16 | (green / area) << 8 | (blueRed & 0xFFFF) / area;
-}
-
 class StarShape {
  public:
   explicit StarShape(const IrisFrame& f)
@@ -103,17 +85,26 @@ class StarShape {
   // second time right after the first.
   void Smooth(const Cell& c, std::span<const Vertex> inner, std::span<const Vertex> outer) const {
     enum : int { kOuter = 1, kInner = 2 };
+    RowBoxMean mean(f_.rows, k_);
     for (int32_t y = c.y0; y < c.y1; ++y) {
       const RowCrossings in(inner, y), out(outer, y);
       PairCuts cuts(in, out);
       uint32_t* row = f_.rows.Out(y);
+      bool started = false;
       ForEachRun(
           c.x0, c.x1, cuts.Columns(),
           [&](int32_t x) { return (out.Inside(x) ? kOuter : 0) | (in.Inside(x) ? kInner : 0); },
           [&](int membership, int32_t begin, int32_t end) {
-            for (int32_t x = begin; x < end && membership != 0; ++x) {
-              if (membership & kOuter) row[x] = BoxMean(f_.rows, x, y, k_);
-              if (membership & kInner) row[x] = BoxMean(f_.rows, x, y, k_);
+            if (membership == 0) return;
+            if (k_ == 1) {  // the mean of one pixel only makes it opaque
+              for (int32_t x = begin; x < end; ++x) row[x] |= 0xFF000000u;
+              return;
+            }
+            if (!started) mean.StartRow(y, c.x0, c.x1);
+            started = true;
+            for (int32_t x = begin; x < end; ++x) {
+              if (membership & kOuter) mean.Replace(x);
+              if (membership & kInner) mean.Replace(x);
             }
           });
     }
