@@ -64,7 +64,8 @@ TEST(IrisStar, SmoothsInPlaceCellByCellTheInnerStarTwice) {
   const struct {
     int32_t smoothing, k, dx, dy;
     double p;
-  } cases[] = {{1, 5, 1, 1, 0.6}, {3, 13, 2, 2, 0.45}, {2, 9, 3, 1, 0.8}, {3, 13, 1, 3, 1.0}, {1, 5, 2, 1, 0.2}, {3, 13, 4, 3, 1.0}, {2, 9, 1, 1, 0.97}};
+  } cases[] = {{1, 5, 1, 1, 0.6},  {3, 13, 2, 2, 0.45}, {2, 9, 3, 1, 0.8}, {3, 13, 1, 3, 1.0},
+               {1, 5, 2, 1, 0.2},  {3, 13, 4, 3, 1.0},  {2, 9, 1, 1, 0.97}};
   for (const auto& c : cases) {
     const emu::Frame plain = RenderStar(a, b, 0, c.dx, c.dy, c.p);
     // Cell by cell: the first pass (the unfiltered picture with the clips' own
