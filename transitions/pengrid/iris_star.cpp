@@ -20,14 +20,17 @@ constexpr auto kFields = WithField(
         .Help("This filter allows you to add a kind of blur effect.")
         .Default(0));
 
-// The box side for a "Gauss Filter" item; None and any unknown value give 1.
-int32_t KernelSize(int32_t smoothing) {
+// The box side for a "Gauss Filter" item: s | 1, with s = 0 for None and any
+// unknown value, so that those take the mean of the pixel alone.
+int32_t BoxSide(int32_t smoothing) {
+  int32_t s = 0;
   switch (smoothing) {
-    case 1: return 5;
-    case 2: return 9;
-    case 3: return 13;
-    default: return 0 | 1;
+    case 1: s = 5; break;
+    case 2: s = 9; break;
+    case 3: s = 13; break;
+    default: break;
   }
+  return s | 1;
 }
 
 // The star's reach: the larger of the two half-sides over the sine and cosine
@@ -69,7 +72,7 @@ std::array<Vertex, 10> Star(const Cell& c, int32_t hx, int32_t hy, int32_t tip, 
 class StarShape {
  public:
   explicit StarShape(const IrisFrame& f)
-      : f_(f), r_(Radius(Reach(f.cw, f.ch), f.p, f.close)), k_(KernelSize(f.option)) {}
+      : f_(f), r_(Radius(Reach(f.cw, f.ch), f.p, f.close)), k_(BoxSide(f.option)) {}
 
   void Paint(const Cell& c) const {
     const int32_t outerTip = TruncToInt32(RoundToSingle(f_.t * 1.5 + 2.0 * r_));
