@@ -25,4 +25,7 @@ inline int32_t TruncToInt32(long double x) {
 // truncated.
 inline float RoundToSingle(double x) { return static_cast<float>(x); }
 
+// The same from an extended value, rounded once (never through double).
+inline float RoundToSingle(long double x) { return static_cast<float>(x); }
+
 }  // namespace krl

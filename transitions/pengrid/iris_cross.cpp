@@ -1,0 +1,82 @@
+// Iris Cross: in every cell a cross of two bars, each running across the
+// whole cell, opens on B (or closes on A); the pen lines the bars' edges on
+// their inside.
+#include "host/exports.h"
+#include "transitions/pengrid/iris_frame.h"
+
+namespace krl {
+namespace {
+
+PenGridFields fields;
+
+constexpr auto kFields = PenGridFieldTable(fields, kIrisDirectionHelp, kIrisItems);
+
+struct Span {
+  int32_t begin, end;
+  bool Has(int32_t v) const { return v >= begin && v < end; }
+};
+
+// A bar of the given thickness centred in [origin, origin + size): the start
+// truncates and the end rounds, so an odd size shows a bar one pixel thick
+// when it is 0.
+Span Bar(int32_t origin, int32_t size, int32_t thickness) {
+  return {origin + (size - thickness) / 2, origin + TruncToInt32((size + thickness) * 0.5 + 0.5)};
+}
+
+Span Shrunk(Span s, int32_t by) { return {s.begin + by, s.end - by}; }
+
+class CrossShape {
+ public:
+  explicit CrossShape(const IrisFrame& f) : f_(f) {}
+
+  // The frame visits rows of cells inside columns; cells never overlap and
+  // read nothing of each other, so the picture is the same in any order.
+  void Paint(const Cell& c) const {
+    const int32_t w = c.Width(), h = c.Height();
+    int32_t a = TruncToInt32(RoundToSingle(static_cast<long double>(w) * f_.p));
+    int32_t b = TruncToInt32(RoundToSingle(static_cast<long double>(h) * f_.p));
+    if (f_.close) {
+      a = w - a;
+      b = h - b;
+    }
+    const Span barRows = Bar(c.y0, h, b), barColumns = Bar(c.x0, w, a);
+    const Span innerRows = Shrunk(barRows, f_.t), innerColumns = Shrunk(barColumns, f_.t);
+    for (int32_t y = c.y0; y < c.y1; ++y) {
+      if (innerRows.Has(y)) {
+        f_.PaintRun(Source::Inside, y, c.x0, c.x1);
+        continue;
+      }
+      const bool penRow = barRows.Has(y);
+      int32_t cuts[] = {barColumns.begin, barColumns.end, innerColumns.begin, innerColumns.end};
+      ForEachRun(
+          c.x0, c.x1, cuts,
+          [&](int32_t x) {
+            if (innerColumns.Has(x)) return Source::Inside;
+            return penRow || barColumns.Has(x) ? Source::Pen : Source::Outside;
+          },
+          [&](Source s, int32_t begin, int32_t end) { f_.PaintRun(s, y, begin, end); });
+    }
+  }
+
+ private:
+  const IrisFrame& f_;
+};
+
+int32_t IrisCrossInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
+
+int32_t IrisCrossRender(t_KrRenderInfo* ri) { return RenderIris<CrossShape>(ri, fields, PenWidening::ByTwo); }
+
+constexpr EffectSpec kEffect{
+    .menuPath = "Transitions/Iris/Iris Cross",
+    .signature = "Iris Cross (ZE plug-in SDK effect)",
+    .displayName = "Iris Cross",
+    .description = "Va opens like a cross iris showing Vb.",
+    .init = IrisCrossInit,
+    .render = IrisCrossRender,
+    .fields = kFields,
+};
+
+}  // namespace
+}  // namespace krl
+
+KR_EXPORT int32_t KrDeclareIrisCross(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }

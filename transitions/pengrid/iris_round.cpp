@@ -1,0 +1,168 @@
+// Iris Round: in every cell a circle centred in the cell opens on B (or
+// closes on A), a pen ring outside its edge; optionally with soft edges.
+#include <cmath>
+
+#include "host/exports.h"
+#include "transitions/pengrid/iris_frame.h"
+
+namespace krl {
+namespace {
+
+PenGridFields fields;
+FieldIndex antiAliasing;
+
+constexpr auto kFields = WithField(PenGridFieldTable(fields, kIrisDirectionHelp, kIrisItems),
+                                   Bool(&antiAliasing, "Anti-Aliasing", "Anti-Aliasing")
+                                       .Help("This option offers an improvement of quality.")
+                                       .Default(0));
+
+// Largest s >= 0 with s * s < m, or -1 when there is none.
+int64_t HalfWidthBelow(int64_t m) {
+  if (m <= 0) return -1;
+  int64_t s = static_cast<int64_t>(std::sqrt(static_cast<double>(m - 1)));
+  while (s > 0 && s * s > m - 1) --s;
+  while ((s + 1) * (s + 1) <= m - 1) ++s;
+  return s;
+}
+
+// Per byte: trunc(from + (to - from) x f), in extended precision; the low
+// byte is kept when f lies outside 0..1.
+uint32_t Blend(uint32_t from, uint32_t to, float f) {
+  uint32_t out = 0;
+  for (int shift = 0; shift < 32; shift += 8) {
+    const int32_t p = static_cast<int32_t>((from >> shift) & 0xFF), q = static_cast<int32_t>((to >> shift) & 0xFF);
+    const long double v = p + (q - p) * static_cast<long double>(f);
+    out |= uint32_t{static_cast<uint8_t>(TruncToInt32(v))} << shift;
+  }
+  return out;
+}
+
+// The mixing factor for an edge distance e below the softness k.
+float MixFactor(long double k, long double e) { return RoundToSingle((1 - k) + e); }
+
+class RoundShape {
+ public:
+  explicit RoundShape(const IrisFrame& f) : f_(f) {
+    // The cell diagonal from the integer sum of squares, rooted in extended precision, stored as single.
+    const float diagonal =
+        RoundToSingle(std::sqrt(static_cast<long double>(int64_t{f.cw} * f.cw + int64_t{f.ch} * f.ch)));
+    float d = RoundToSingle(f.p * static_cast<long double>(diagonal));
+    if (f.close) d = RoundToSingle(static_cast<long double>(diagonal) - d);
+    rad_ = d * 0.5f;
+    // Below 2^50 for frames up to 2^24 pixels a side: the conversions are exact.
+    r2_ = static_cast<int64_t>(static_cast<long double>(rad_) * rad_);
+    const int64_t ro = TruncToInt32(f.t + static_cast<long double>(rad_));
+    ro2_ = ro * ro;
+    limits_ = {r2_, ro2_, 0, 0};  // a limit of 0 cuts nowhere
+    if (f.option != 0) PrepareSoftEdges();
+  }
+
+  void Paint(const Cell& c) const {
+    const int32_t cx = c.x0 + f_.hx, cy = c.y0 + f_.hy;
+    for (int32_t y = c.y0; y < c.y1; ++y) {
+      const int64_t uy2 = int64_t{cy - y} * (cy - y);
+      auto q = [&](int32_t x) { return int64_t{cx - x} * (cx - x) + uy2; };
+      // The source changes only where q crosses one of the limits.
+      std::array<int32_t, 2 * kLimitCount> cuts{};
+      size_t count = 0;
+      for (const int64_t limit : limits_) {
+        const int64_t s = HalfWidthBelow(limit - uy2);
+        if (s < 0) continue;
+        cuts[count++] = static_cast<int32_t>(cx - s);
+        cuts[count++] = static_cast<int32_t>(std::min<int64_t>(cx + s + 1, c.x1));
+      }
+      ForEachRun(
+          c.x0, c.x1, std::span(cuts.data(), count), [&](int32_t x) { return SourceAt(q(x)); },
+          [&](Source s, int32_t begin, int32_t end) {
+            if (s != Source::Blend) {
+              f_.PaintRun(s, y, begin, end);
+              return;
+            }
+            uint32_t* out = f_.rows.Out(y);
+            for (int32_t x = begin; x < end; ++x) out[x] = SoftPixel(x, y, cx, q(x));
+          });
+    }
+  }
+
+ private:
+  static constexpr size_t kLimitCount = 4;
+
+  // Without soft edges: inside below r2, outside from ro2 on, the pen between.
+  // With them, Blend marks where a pixel may lie within the softness of an
+  // edge; elsewhere the hard answer holds (the softness never exceeds 0.71
+  // and the limits keep 0.75 plus a margin from the edges).
+  Source SourceAt(int64_t q) const {
+    if (f_.option == 0) return q < r2_ ? Source::Inside : q >= ro2_ ? Source::Outside : Source::Pen;
+    if (q <= insideUpTo_) return Source::Inside;
+    if (q >= outsideFrom_) return Source::Outside;
+    if (q >= penFrom_ && q <= penUpTo_) return Source::Pen;
+    return Source::Blend;
+  }
+
+  void PrepareSoftEdges() {
+    const double rad = rad_, t = f_.t;
+    auto below = [](double v) { return static_cast<int64_t>(std::floor(v * v)) - 2; };
+    auto above = [](double v) { return static_cast<int64_t>(std::ceil(v * v)) + 2; };
+    insideUpTo_ = rad >= 2.0 ? below(rad - 0.75) : -1;
+    outsideFrom_ = std::max(ro2_, above(rad + t + 0.75));
+    penFrom_ = above(rad + 0.75);
+    penUpTo_ = t >= 2.0 ? std::min(ro2_ - 1, below(rad + t - 0.75)) : -1;
+    limits_ = {insideUpTo_ + 1, outsideFrom_, penFrom_, penUpTo_ + 1};
+  }
+
+  // The softness k comes from the angle measured from the first cell's centre
+  // in frame coordinates, whatever cell the pixel lies in.
+  long double Softness(int32_t x, int32_t y, int32_t cx) const {
+    if (x == cx) return 0.5L;
+    const long double angle = std::atan(std::abs(static_cast<long double>(f_.hy) - y) /
+                                        std::abs(static_cast<long double>(f_.hx) - x));
+    return (std::cos(angle) + std::sin(angle)) * 0.5L;
+  }
+
+  uint32_t SoftPixel(int32_t x, int32_t y, int32_t cx, int64_t q) const {
+    const uint32_t inside = f_.InsideRow(y)[x], outside = f_.OutsideRow(y)[x], pen = f_.pen;
+    const bool noPen = f_.t == 0;
+    const long double dist = std::sqrt(static_cast<long double>(q));
+    const long double k = Softness(x, y, cx);
+    if (q < r2_) {
+      const long double e = rad_ - dist;
+      return e < k ? Blend(noPen ? outside : pen, inside, MixFactor(k, e)) : inside;
+    }
+    if (q >= ro2_) {
+      const long double e = (dist - rad_) - f_.t;
+      return e < k ? Blend(noPen ? inside : pen, outside, MixFactor(k, e)) : outside;
+    }
+    const long double e = dist - rad_;
+    if (e < k) return Blend(inside, noPen ? outside : pen, MixFactor(k, e));
+    if (f_.t - e < k) return Blend(outside, noPen ? inside : pen, MixFactor(k, f_.t - e));
+    return pen;
+  }
+
+  const IrisFrame& f_;
+  float rad_;     // the radius, kept in single precision
+  int64_t r2_;    // below it: inside
+  int64_t ro2_;   // from it on: outside
+  int64_t insideUpTo_ = -1, outsideFrom_ = 0, penFrom_ = 0, penUpTo_ = -1;
+  std::array<int64_t, kLimitCount> limits_{};  // the values of q where the source may change
+};
+
+int32_t IrisRoundInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
+
+int32_t IrisRoundRender(t_KrRenderInfo* ri) {
+  return RenderIris<RoundShape>(ri, fields, PenWidening::None, &antiAliasing);
+}
+
+constexpr EffectSpec kEffect{
+    .menuPath = "Transitions/Iris/Iris Round",
+    .signature = "Iris Round (ZE plug-in SDK effect)",
+    .displayName = "Iris Round",
+    .description = "Va opens like a round iris showing Vb.",
+    .init = IrisRoundInit,
+    .render = IrisRoundRender,
+    .fields = kFields,
+};
+
+}  // namespace
+}  // namespace krl
+
+KR_EXPORT int32_t KrDeclareIrisRound(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }

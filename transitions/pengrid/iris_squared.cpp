@@ -1,0 +1,56 @@
+// Iris Squared: in every cell a rectangle centred in the cell opens on B (or
+// closes on A), the pen outside its edge.
+#include "host/exports.h"
+#include "transitions/pengrid/iris_frame.h"
+
+namespace krl {
+namespace {
+
+PenGridFields fields;
+
+constexpr auto kFields = PenGridFieldTable(fields, kIrisDirectionHelp, kIrisItems);
+
+// Half-size from the nominal cell size (not the clipped cell): the extended
+// product rounded to single, truncated.
+int32_t HalfSize(int32_t nominal, double p, bool close) {
+  const long double half = static_cast<long double>(nominal) * 0.5;
+  const int32_t open = TruncToInt32(RoundToSingle(half * p));
+  return close ? TruncToInt32(half - open) : open;
+}
+
+class SquaredShape {
+ public:
+  explicit SquaredShape(const IrisFrame& f)
+      : f_(f), a_(HalfSize(f.cw, f.p, f.close)), b_(HalfSize(f.ch, f.p, f.close)) {}
+
+  void Paint(const Cell& c) const {
+    const int32_t cx = c.x0 + f_.hx, cy = c.y0 + f_.hy;
+    const int32_t ao = a_ + f_.t, bo = b_ + f_.t;
+    const Vertex inner[] = {{cx - a_, cy - b_}, {cx + a_, cy - b_}, {cx + a_, cy + b_}, {cx - a_, cy + b_}};
+    const Vertex outer[] = {{cx - ao, cy - bo}, {cx + ao, cy - bo}, {cx + ao, cy + bo}, {cx - ao, cy + bo}};
+    PaintPolygonPair(f_, c, inner, outer);
+  }
+
+ private:
+  const IrisFrame& f_;
+  int32_t a_, b_;  // half-sizes of the inner rectangle
+};
+
+int32_t IrisSquaredInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
+
+int32_t IrisSquaredRender(t_KrRenderInfo* ri) { return RenderIris<SquaredShape>(ri, fields, PenWidening::ByTwo); }
+
+constexpr EffectSpec kEffect{
+    .menuPath = "Transitions/Iris/Iris Squared",
+    .signature = "Iris Squared (ZE plug-in SDK effect)",
+    .displayName = "Iris Squared",
+    .description = "Va opens like a squared iris showing Vb.",
+    .init = IrisSquaredInit,
+    .render = IrisSquaredRender,
+    .fields = kFields,
+};
+
+}  // namespace
+}  // namespace krl
+
+KR_EXPORT int32_t KrDeclareIrisSquared(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }

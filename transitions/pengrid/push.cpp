@@ -1,0 +1,45 @@
+// Push: in every cell of the pen grid B moves in from one side and pushes A
+// out of the other, a pen band between them.
+#include "host/exports.h"
+#include "transitions/pengrid/travel_band.h"
+
+namespace krl {
+namespace {
+
+PenGridFields fields;
+
+constexpr auto kFields =
+    PenGridFieldTable(fields, "Specifies the position where Vb starts to move in.", kTravelItems);
+
+// A moves by n pixels. Left > Right alone starts A right after the pen, so
+// the pen pushes A too (a shift of n + t); in the other directions the pen
+// hides the t pixels of A next to it. The asymmetry is part of the look.
+ReadShifts Pushed(const BandCell& band) {
+  int32_t a = band.n;
+  switch (band.travel) {
+    case Travel::LeftToRight: a = band.cell.x0 - band.e; break;
+    case Travel::BottomToTop: a = -band.n; break;
+    case Travel::RightToLeft:
+    case Travel::TopToBottom: break;
+  }
+  return {MovedInShift(band), a};
+}
+
+int32_t PushInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
+
+int32_t PushRender(t_KrRenderInfo* ri) { return RenderTravelBand(ri, fields, Pushed); }
+
+constexpr EffectSpec kEffect{
+    .menuPath = "Transitions/Push/Push",
+    .signature = "Push (ZE plug-in SDK effect)",
+    .displayName = "Push",
+    .description = "Va is pushed aside by Vb.",
+    .init = PushInit,
+    .render = PushRender,
+    .fields = kFields,
+};
+
+}  // namespace
+}  // namespace krl
+
+KR_EXPORT int32_t KrDeclarePush(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }

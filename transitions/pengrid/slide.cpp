@@ -1,0 +1,34 @@
+// Slide: in every cell of the pen grid B slides in from one side over a
+// still A, a pen band running ahead of B's edge.
+#include "host/exports.h"
+#include "transitions/pengrid/travel_band.h"
+
+namespace krl {
+namespace {
+
+PenGridFields fields;
+
+constexpr auto kFields =
+    PenGridFieldTable(fields, "Specifies the position where Vb starts to slide in.", kTravelItems);
+
+// B shows the part of its cell that has come in; A stays where it is.
+ReadShifts SlidIn(const BandCell& band) { return {MovedInShift(band), 0}; }
+
+int32_t SlideInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
+
+int32_t SlideRender(t_KrRenderInfo* ri) { return RenderTravelBand(ri, fields, SlidIn); }
+
+constexpr EffectSpec kEffect{
+    .menuPath = "Transitions/Slide/Slide",
+    .signature = "Slide (ZE plug-in SDK effect)",
+    .displayName = "Slide",
+    .description = "Vb slides into Va from one side.",
+    .init = SlideInit,
+    .render = SlideRender,
+    .fields = kFields,
+};
+
+}  // namespace
+}  // namespace krl
+
+KR_EXPORT int32_t KrDeclareSlide(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }

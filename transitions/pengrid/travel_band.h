@@ -1,0 +1,61 @@
+// The frame Wipe, Slide and Push share: B advances into every cell of the
+// pen grid from one side, a pen band of BorderWidth pixels runs ahead of it
+// on A's side, and A fills the rest. The three differ only in where they
+// read B and A, which a ShiftRule tells.
+#pragma once
+
+#include "host/declare.h"
+#include "transitions/pengrid/pen_fields.h"
+#include "transitions/pengrid/pen_grid.h"
+
+namespace krl {
+
+enum class Travel : uint8_t { LeftToRight, RightToLeft, TopToBottom, BottomToTop };
+
+// The items of "Direction", in the order of the values Travel decodes.
+inline constexpr SelectorItem kTravelItems[] = {
+    {"Left > Right", 0}, {"Right > Left", 1}, {"Top > Bottom", 2}, {"Bottom > Top", 3}};
+
+// Any value but 1, 2 and 3 is the first item.
+inline Travel DecodeTravel(int32_t direction) {
+  switch (direction) {
+    case 1: return Travel::RightToLeft;
+    case 2: return Travel::TopToBottom;
+    case 3: return Travel::BottomToTop;
+    default: return Travel::LeftToRight;
+  }
+}
+
+inline bool AcrossColumns(Travel travel) { return travel == Travel::LeftToRight || travel == Travel::RightToLeft; }
+
+// B enters at the cell's lowest column or row index.
+inline bool EntersAtLowEnd(Travel travel) { return travel == Travel::LeftToRight || travel == Travel::BottomToTop; }
+
+// One cell with B's advance n (pixels along the travel, 0..size) and the far
+// end e of the pen band (a column or a row, clipped to the cell).
+struct BandCell {
+  Cell cell;
+  Travel travel;
+  int32_t size;  // the cell's extent along the travel
+  int32_t n;
+  int32_t e;
+};
+
+// Where the B range and the A range read their source: the output column (or
+// row) plus the shift.
+struct ReadShifts {
+  int32_t b = 0;
+  int32_t a = 0;
+};
+
+using ShiftRule = ReadShifts (*)(const BandCell&);
+
+// B moved in by n pixels instead of uncovered in place (Slide and Push).
+inline int32_t MovedInShift(const BandCell& band) {
+  return EntersAtLowEnd(band.travel) ? band.size - band.n : band.n - band.size;
+}
+
+// The whole render of a travelling-band transition; returns the render result.
+int32_t RenderTravelBand(t_KrRenderInfo* ri, const PenGridFields& fields, ShiftRule shifts);
+
+}  // namespace krl
