@@ -7,6 +7,7 @@
 // The declaration functions of the effects that exist, in the order KrDeclare
 // calls them; each new transition adds its row at its place in that order.
 #define KR_EFFECTS(X) \
+  X(DitherDissolve)    \
   X(FadeDissolve)
 
 #define KR_DECLARE_PROTOTYPE(name) KR_EXPORT int32_t KrDeclare##name(t_KrHostInfo* hi);
