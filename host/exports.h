@@ -8,7 +8,8 @@
 // calls them; each new transition adds its row at its place in that order.
 #define KR_EFFECTS(X) \
   X(DitherDissolve)    \
-  X(FadeDissolve)
+  X(FadeDissolve)      \
+  X(RandomDissolve)
 
 #define KR_DECLARE_PROTOTYPE(name) KR_EXPORT int32_t KrDeclare##name(t_KrHostInfo* hi);
 KR_EFFECTS(KR_DECLARE_PROTOTYPE)
