@@ -7,6 +7,7 @@
 // The declaration functions of the effects that exist, in the order KrDeclare
 // calls them; each new transition adds its row at its place in that order.
 #define KR_EFFECTS(X) \
+  X(BrightnessPlasma)  \
   X(ChaoticDissolve)   \
   X(DitherDissolve)    \
   X(FadeDissolve)      \

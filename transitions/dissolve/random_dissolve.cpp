@@ -41,9 +41,9 @@ int32_t RandomDissolveRender(t_KrRenderInfo* ri) {
   if (progress > 0.5) {
     CopyPixels(ri->Output, ri->InputB, 0, pixels);
     overlay = ri->InputA;
-    // Wrapping as the 32-bit machine does: an infinite Progress, whose count
-    // is the conversion's "indefinite" INT32_MIN, makes no draws.
-    draws = static_cast<int32_t>(16u - static_cast<uint32_t>(draws));
+    // An infinite Progress, whose count is the conversion's "indefinite"
+    // INT32_MIN, wraps to a negative count and makes no draws.
+    draws = WrappingSubtract(16, draws);
   } else {
     CopyPixels(ri->Output, ri->InputA, 0, pixels);
   }
