@@ -11,6 +11,7 @@
   X(ChaoticDissolve)   \
   X(DitherDissolve)    \
   X(FadeDissolve)      \
+  X(FlashOver)         \
   X(RandomDissolve)
 
 #define KR_DECLARE_PROTOTYPE(name) KR_EXPORT int32_t KrDeclare##name(t_KrHostInfo* hi);
