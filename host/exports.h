@@ -12,6 +12,7 @@
   X(DitherDissolve)    \
   X(FadeDissolve)      \
   X(FlashOver)         \
+  X(Mosaic)            \
   X(RandomDissolve)
 
 #define KR_DECLARE_PROTOTYPE(name) KR_EXPORT int32_t KrDeclare##name(t_KrHostInfo* hi);

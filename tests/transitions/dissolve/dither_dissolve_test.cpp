@@ -5,25 +5,15 @@
 #include <cmath>
 #include <limits>
 
-#include "test_support.h"
+#include "transitions/dissolve/flat_clips.h"
 
 namespace krl::test {
 namespace {
 
-constexpr uint32_t kA = 0xFF0000AA, kB = 0xFF00BB00;
+constexpr uint32_t kA = kFlatA, kB = kFlatB;
 
-emu::Frame Dither(int32_t w, int32_t h, double progress) {
-  emu::Instance dither(Library(), Effect(Library(), "Dither Dissolve"));
-  emu::Frame out(w, h, 0xDEADBEEF);
-  EXPECT_EQ(dither.Render(Filled(w, h, kA), Filled(w, h, kB), out, progress), 1);
-  return out;
-}
-
-int CountB(const emu::Frame& f) {
-  int n = 0;
-  for (uint32_t px : f.pixels) n += px == kB;
-  return n;
-}
+emu::Frame Dither(int32_t w, int32_t h, double progress) { return RenderFlat("Dither Dissolve", w, h, progress); }
+int CountB(const emu::Frame& f) { return CountOf(f, kB); }
 
 TEST(DitherDissolve, EachCellShowsOneMoreBPixelPerEightyFirst) {
   const double nan = std::numeric_limits<double>::quiet_NaN();

@@ -8,12 +8,12 @@
 #include <limits>
 #include <vector>
 
-#include "test_support.h"
+#include "transitions/dissolve/flat_clips.h"
 
 namespace krl::test {
 namespace {
 
-constexpr uint32_t kA = 0xFF0000AA, kB = 0xFF00BB00;
+constexpr uint32_t kA = kFlatA, kB = kFlatB;
 constexpr unsigned kSeed = 20261121;
 
 // The next `count` values rand() gives after srand(kSeed).
@@ -25,11 +25,8 @@ std::vector<int> RandAfterSeed(size_t count) {
 }
 
 emu::Frame RandomDissolve(int32_t w, int32_t h, double progress) {
-  emu::Instance dissolve(Library(), Effect(Library(), "Random Dissolve"));
-  emu::Frame out(w, h, 0xDEADBEEF);
   std::srand(kSeed);
-  EXPECT_EQ(dissolve.Render(Filled(w, h, kA), Filled(w, h, kB), out, progress), 1);
-  return out;
+  return RenderFlat("Random Dissolve", w, h, progress);
 }
 
 TEST(RandomDissolve, DrawsOncePerCellAndPositionOverTheRightBase) {
