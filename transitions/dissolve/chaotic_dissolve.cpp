@@ -4,6 +4,7 @@
 // offsets come from a generator restarted at the same value every frame, so
 // the cloud of pixels moves smoothly instead of flickering.
 #include <cstring>
+#include <vector>
 
 #include "host/exports.h"
 #include "host/render_prologue.h"
@@ -38,13 +39,25 @@ class ChaosGenerator {
   uint32_t state_ = 1977;
 };
 
-// a + (b - a) * p truncated, on each of the 4 bytes; the low 8 bits of the
+// The fade of one byte, a + (b - a) * p truncated, for every pair (a, b):
+// one lookup per byte instead of a conversion. The low 8 bits of the
 // truncated value are stored when a Progress outside 0..1 leaves 0..255.
-void MixPixel(const uint8_t* a, const uint8_t* b, uint8_t* out, float p) {
-  for (int i = 0; i < 4; ++i) {
-    out[i] = static_cast<uint8_t>(TruncToInt32(a[i] + (b[i] - a[i]) * static_cast<double>(p)));
+class ByteFade {
+ public:
+  explicit ByteFade(float p) : table_(256 * 256) {
+    for (int a = 0; a < 256; ++a) {
+      for (int b = 0; b < 256; ++b) {
+        table_[a * 256 + b] = static_cast<uint8_t>(TruncToInt32(a + (b - a) * static_cast<double>(p)));
+      }
+    }
   }
-}
+  void MixPixel(const uint8_t* a, const uint8_t* b, uint8_t* out) const {
+    for (int i = 0; i < 4; ++i) out[i] = table_[a[i] * 256 + b[i]];
+  }
+
+ private:
+  std::vector<uint8_t> table_;
+};
 
 int32_t ChaoticDissolveInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
 
@@ -59,6 +72,7 @@ int32_t ChaoticDissolveRender(t_KrRenderInfo* ri) {
   const int32_t width = ri->Width, height = ri->Height;
   const int32_t halfWidth = width / 2, halfHeight = height / 2;
   const double w = RoundToSingle(width), h = RoundToSingle(height);
+  const ByteFade fade(p);
   ChaosGenerator random;
   // Later pixels overwrite earlier ones, so the order is part of the result:
   // rows from the top down, each from its last pixel to its first.
@@ -75,7 +89,7 @@ int32_t ChaoticDissolveRender(t_KrRenderInfo* ri) {
       if (tx < 0 || tx >= width || ty < 0 || ty >= height) continue;
       const size_t from = static_cast<size_t>(y) * width + x;
       const size_t to = static_cast<size_t>(ty) * width + tx;
-      MixPixel(ri->InputA + 4 * from, ri->InputB + 4 * from, ri->Output + 4 * to, p);
+      fade.MixPixel(ri->InputA + 4 * from, ri->InputB + 4 * from, ri->Output + 4 * to);
     }
   }
   return 1;
