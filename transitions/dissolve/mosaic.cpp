@@ -46,9 +46,9 @@ constexpr std::array<int32_t, kTiles> kTurnOf = [] {
 // x0 + trunc(c x tileWidth) for tile column c, and the same in y. A pixel
 // therefore keeps what the last pass that reaches it wrote: the pass with
 // the highest y0, then the highest x0. The axes are independent, so each
-// is worked out once: a run of coordinates whose last pass writes the same
-// tile columns (bit c for tile column c; several when tiles are thinner
-// than a pixel, none where no pass reaches).
+// is worked out once, as runs of coordinates whose last pass writes the
+// same tiles of that axis (bit c for tile column or row c; several when
+// tiles are thinner than a pixel, none where no pass reaches).
 struct AxisRun {
   int32_t first;
   int32_t end;
