@@ -62,18 +62,5 @@ TEST(DitherDissolve, PartialCellsRepeatTheWholeCellsPattern) {
   EXPECT_EQ(Dither(10, 10, 60.0 / 81).At(9, 9), kB);
 }
 
-TEST(DitherDissolve, BOnlyGainsGround) {
-  emu::Frame previous = Dither(27, 18, 0.0);
-  for (int step = 1; step <= 100; ++step) {
-    const emu::Frame out = Dither(27, 18, step / 100.0);
-    for (size_t i = 0; i < out.pixels.size(); ++i) {
-      if (previous.pixels[i] == kB) {
-        ASSERT_EQ(out.pixels[i], kB) << "pixel " << i << " step " << step;
-      }
-    }
-    previous = out;
-  }
-}
-
 }  // namespace
 }  // namespace krl::test
