@@ -6,6 +6,9 @@ namespace krl::emu {
 
 const std::vector<std::string>& HeavierSettings(const std::string& displayName) {
   static const std::map<std::string, std::vector<std::string>> kTable = {
+      {"Brightness Plasma", {"VA_CUT=off", "DARK2LIGHT=off"}},
+      {"Chaotic Dissolve", {"Color=#FF2000"}},
+      {"Flash Over", {"Variation=5"}},
       {"Traditional Fade", {"Progression=0.999"}},
       {"Wipe", {"Divide_X=4", "BorderWidth=6", "Color=#FF2000", "Direction=1"}},
       {"Slide", {"Direction=3", "Divide_Y=3", "BorderWidth=6", "Color=#FF2000"}},

@@ -7,15 +7,21 @@
 // The declaration functions of the effects that exist, in the order KrDeclare
 // calls them; each new transition adds its row at its place in that order.
 #define KR_EFFECTS(X) \
-  X(FadeDissolve)       \
-  X(Inset)              \
-  X(IrisCross)          \
-  X(IrisDiamond)        \
-  X(IrisRound)          \
-  X(IrisSquared)        \
-  X(IrisStar)           \
-  X(Push)               \
-  X(Slide)              \
+  X(BrightnessPlasma)  \
+  X(ChaoticDissolve)   \
+  X(DitherDissolve)    \
+  X(FadeDissolve)      \
+  X(FlashOver)         \
+  X(Inset)             \
+  X(IrisCross)         \
+  X(IrisDiamond)       \
+  X(IrisRound)         \
+  X(IrisSquared)       \
+  X(IrisStar)          \
+  X(Mosaic)            \
+  X(Push)              \
+  X(RandomDissolve)    \
+  X(Slide)             \
   X(Wipe)
 
 #define KR_DECLARE_PROTOTYPE(name) KR_EXPORT int32_t KrDeclare##name(t_KrHostInfo* hi);

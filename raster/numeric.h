@@ -20,6 +20,12 @@ inline int32_t TruncToInt32(long double x) {
   return INT32_MIN;
 }
 
+// a - b in 32 bits, wrapping as the machine does instead of overflowing:
+// only the "indefinite" INT32_MIN of an out-of-range conversion gets there.
+inline int32_t WrappingSubtract(int32_t a, int32_t b) {
+  return static_cast<int32_t>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
+}
+
 // A value rounded to single precision (round to nearest), as a store to a
 // 32-bit float does; used where a product is rounded to single before it is
 // truncated.
@@ -27,5 +33,6 @@ inline float RoundToSingle(double x) { return static_cast<float>(x); }
 
 // The same from an extended value, rounded once (never through double).
 inline float RoundToSingle(long double x) { return static_cast<float>(x); }
+inline float RoundToSingle(int32_t x) { return static_cast<float>(x); }
 
 }  // namespace krl

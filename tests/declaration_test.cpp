@@ -31,6 +31,11 @@ TEST(Declaration, TraditionalFadeStatementsWordForWord) {
   options.fieldIndexStep = -1000;
   const auto host = LoadFresh(KRL_LIBRARY_PATH, options);
   const emu::DeclaredEffect& fade = Effect(*host, "Traditional Fade");
+  // Which numbers the host hands out depends on the effects declared before.
+  const int32_t transTypeIndex = fade.Field("TransType")->index;
+  ASSERT_LT(transTypeIndex, -1000);
+  EXPECT_EQ(fade.Field("Progression")->index, transTypeIndex - 1000);
+  const std::string tt = std::to_string(transTypeIndex), pr = std::to_string(transTypeIndex - 1000);
 
   const std::vector<std::string> expected = {
       "KrEffect obj; obj.Name = \"Transitions/Dissolve/Traditional Fade\"; obj.Sign = \"Traditional Fade (ZE plug-in "
@@ -43,12 +48,12 @@ TEST(Declaration, TraditionalFadeStatementsWordForWord) {
       "*((int *){var:InputB}) = KrDataFieldAdd( &obj.df, \"Input\", \"InputB\", \"Input B\", KrdfNone );",
       "*((int *){var:TransType}) = KrDataFieldAdd( &obj.df, \"Selector\", \"TransType\", (word *){Transition}, "
       "KrdfNone );",
-      "KrDataFieldHelpbyId( &obj.df, -2042, (word *){Specifies the order the clips will change.} );",
-      "DataFieldSelItemAddById( &obj.df, -2042, (word *){Image 1 > Image 2}, 0x0 );",
-      "DataFieldSelItemAddById( &obj.df, -2042, (word *){Image 2 > Image 1}, 0x1 );",
+      "KrDataFieldHelpbyId( &obj.df, " + tt + ", (word *){Specifies the order the clips will change.} );",
+      "DataFieldSelItemAddById( &obj.df, " + tt + ", (word *){Image 1 > Image 2}, 0x0 );",
+      "DataFieldSelItemAddById( &obj.df, " + tt + ", (word *){Image 2 > Image 1}, 0x1 );",
       "*((int *){var:Progression}) = KrDataFieldAdd( &obj.df, \"Alpha\", \"Progression\", (word *){Progression}, "
       "KrdfNone );",
-      "KrDataFieldHelpbyId( &obj.df, -3042, (word *){Allows to adjust the fade's progression.} );",
+      "KrDataFieldHelpbyId( &obj.df, " + pr + ", (word *){Allows to adjust the fade's progression.} );",
       "EffectAdd( obj );",
   };
   EXPECT_EQ(StatementsOf(*host, fade), expected);
