@@ -112,7 +112,11 @@ double Instance::GetCurveValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t, d
 }
 
 int32_t Instance::AddCurvePointSlot(t_KrRenderInfo* ri, int32_t field, int32_t, double position, double value) {
-  if (FieldState* s = Of(ri).StateOf(field, "AddCurvePoint", IsCurveKind)) InsertCurvePoint(s->curve, {position, value});
+  Instance& self = Of(ri);
+  if (FieldState* s = self.StateOf(field, "AddCurvePoint", IsCurveKind)) {
+    InsertCurvePoint(s->curve, {position, value});
+    self.LogDefault(*s, "AddCurvePoint", std::to_string(position) + ", " + std::to_string(value));
+  }
   return 1;
 }
 
@@ -122,9 +126,16 @@ int32_t Instance::GetColorValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t, 
   return 1;
 }
 
-int32_t Instance::SetColorDefaultSlot(t_KrRenderInfo* ri, int32_t field, int32_t, const KrColor* color, double) {
-  FieldState* s = Of(ri).StateOf(field, "SetColorDefault", IsColorKind);
-  if (s != nullptr && color != nullptr) s->color = *color;
+int32_t Instance::SetColorDefaultSlot(t_KrRenderInfo* ri, int32_t field, int32_t, const KrColor* color,
+                                      double position) {
+  Instance& self = Of(ri);
+  FieldState* s = self.StateOf(field, "SetColorDefault", IsColorKind);
+  if (s != nullptr && color != nullptr) {
+    s->color = *color;
+    self.LogDefault(*s, "SetColorDefault",
+                    std::to_string(color->Blue) + " " + std::to_string(color->Green) + " " + std::to_string(color->Red) +
+                        " " + std::to_string(color->Alpha) + " at " + std::to_string(position));
+  }
   return 1;
 }
 
@@ -134,8 +145,16 @@ int32_t Instance::GetFieldValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t) 
 }
 
 int32_t Instance::SetFieldDefaultSlot(t_KrRenderInfo* ri, int32_t field, int32_t, int32_t value) {
-  if (FieldState* s = Of(ri).StateOf(field, "SetFieldDefault", IsValueKind)) s->value = value;
+  Instance& self = Of(ri);
+  if (FieldState* s = self.StateOf(field, "SetFieldDefault", IsValueKind)) {
+    s->value = value;
+    self.LogDefault(*s, "SetFieldDefault", std::to_string(value));
+  }
   return 1;
+}
+
+void Instance::LogDefault(const FieldState& state, const char* slot, const std::string& values) {
+  defaultsSet_.push_back(std::string(slot) + "(" + state.field->key + ", " + values + ")");
 }
 
 int32_t Instance::SetUserDataSlot(t_KrRenderInfo* ri, void* data) {

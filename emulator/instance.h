@@ -50,6 +50,9 @@ class Instance {
   // Calls the host found wrong: unknown field index, wrong slot for the kind.
   const std::vector<std::string>& diagnostics() const { return diagnostics_; }
   void* userData() const { return userData_; }
+  // The defaults the library set, in the order it set them, e.g.
+  // "SetFieldDefault(TransType, 0)".
+  const std::vector<std::string>& defaultsSet() const { return defaultsSet_; }
 
   // Puts the per-instance slots into the host's table.
   static void FillSlots(t_KrHostFunctions& table);
@@ -68,6 +71,7 @@ class Instance {
 
   FieldState* StateOf(int32_t index, const char* slot, bool (*kindFits)(const std::string&));
   FieldState& StateOf(const std::string& key);
+  void LogDefault(const FieldState& state, const char* slot, const std::string& values);
   const FieldState& StateOf(const std::string& key) const;
 
   static Instance& Of(t_KrRenderInfo* ri);
@@ -88,6 +92,7 @@ class Instance {
   std::map<int32_t, FieldState> fields_;
   std::vector<std::string> reported_;
   std::vector<std::string> diagnostics_;
+  std::vector<std::string> defaultsSet_;
   void* userData_ = nullptr;
   int32_t initResult_ = 0;
 };

@@ -12,18 +12,6 @@
 namespace krl::test {
 namespace {
 
-// The statements one effect sent, from its "KrEffect obj;" to "EffectAdd".
-std::vector<std::string> StatementsOf(const emu::Host& host, const emu::DeclaredEffect& e) {
-  std::vector<std::string> out;
-  bool inside = false;
-  for (const std::string& s : host.statements()) {
-    if (s.rfind("KrEffect obj;", 0) == 0) inside = s.find("\"" + e.name + "\"") != std::string::npos;
-    if (inside) out.push_back(Normalised(host, e, s));
-    if (inside && s == "EffectAdd( obj );") break;
-  }
-  return out;
-}
-
 TEST(Declaration, TraditionalFadeStatementsWordForWord) {
   // Negative, widely spaced indices: T14/T15 must print what the host stored, with %d.
   emu::HostOptions options;

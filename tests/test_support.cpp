@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 namespace krl::test {
@@ -59,6 +63,46 @@ std::string Normalised(const emu::Host& host, const emu::DeclaredEffect& e, cons
   return out;
 }
 
+std::vector<std::string> StatementsOf(const emu::Host& host, const emu::DeclaredEffect& e) {
+  std::vector<std::string> out;
+  bool inside = false;
+  for (const std::string& s : host.statements()) {
+    if (s.rfind("KrEffect obj;", 0) == 0) inside = s.find("\"" + e.name + "\"") != std::string::npos;
+    if (inside) out.push_back(Normalised(host, e, s));
+    if (inside && s == "EffectAdd( obj );") break;
+  }
+  return out;
+}
+
 emu::Frame Filled(int32_t w, int32_t h, uint32_t pixel) { return emu::Frame(w, h, pixel); }
+
+namespace {
+std::vector<std::string> Lines(std::istream& in) {
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+}  // namespace
+
+void ExpectGolden(const std::string& file, const std::string& content) {
+  const std::string path = std::string(KRL_GOLDEN_DIR) + "/" + file;
+  if (std::getenv("KRL_UPDATE_GOLDEN") != nullptr) {
+    std::ofstream(path) << content;
+    return;
+  }
+  std::ifstream in(path);
+  ASSERT_TRUE(in.good()) << "no golden file " << path << " (write it with KRL_UPDATE_GOLDEN=1)";
+  std::istringstream now(content);
+  const std::vector<std::string> recorded = Lines(in), rendered = Lines(now);
+  int reported = 0;
+  for (size_t i = 0; i < std::max(recorded.size(), rendered.size()) && reported < 20; ++i) {
+    const std::string was = i < recorded.size() ? recorded[i] : "(nothing)";
+    const std::string is = i < rendered.size() ? rendered[i] : "(nothing)";
+    if (was != is) {
+      ADD_FAILURE() << file << " line " << i + 1 << " changed\n  recorded: " << was << "\n  now:      " << is;
+      ++reported;
+    }
+  }
+}
 
 }  // namespace krl::test

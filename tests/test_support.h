@@ -24,7 +24,15 @@ const emu::DeclaredEffect& Effect(const emu::Host& host, const std::string& name
 // translated text (its source). Other hexadecimal numbers stay as written.
 std::string Normalised(const emu::Host& host, const emu::DeclaredEffect& effect, const std::string& statement);
 
-// A frame whose every byte is `byte`, and one filled with a running pattern.
+// The normalised statements one effect sent, from "KrEffect obj;" to "EffectAdd".
+std::vector<std::string> StatementsOf(const emu::Host& host, const emu::DeclaredEffect& effect);
+
+// A frame whose every pixel is `pixel`.
 emu::Frame Filled(int32_t w, int32_t h, uint32_t pixel);
+
+// Compares `content` with a golden file of tests/golden/, line by line,
+// reporting the lines that differ. With KRL_UPDATE_GOLDEN set in the
+// environment it rewrites the file instead (review its diff before committing).
+void ExpectGolden(const std::string& file, const std::string& content);
 
 }  // namespace krl::test
