@@ -28,6 +28,10 @@ struct CurvePoint {
 };
 
 inline constexpr int kMaxSelectorItems = 12;
+
+// Not constexpr: reached while building a constexpr table, it stops the
+// compilation (tables are always built at compile time).
+inline void TableTooLong() {}
 inline constexpr int kMaxCurvePoints = 4;
 
 struct FieldSpec {
@@ -74,7 +78,7 @@ struct FieldSpec {
   }
   constexpr FieldSpec DefaultCurve(std::initializer_list<CurvePoint> points) const {
     FieldSpec f = *this;
-    if (points.size() > kMaxCurvePoints) throw "too many curve points";  // compile-time error
+    if (points.size() > kMaxCurvePoints) TableTooLong();
     f.defaultKind = DefaultKind::Curve;
     f.curvePointCount = 0;
     for (const CurvePoint& p : points) f.defaultCurve[f.curvePointCount++] = p;
@@ -97,7 +101,7 @@ constexpr FieldSpec Input(FieldIndex* index, const char* key, const char* label)
 constexpr FieldSpec Selector(FieldIndex* index, const char* key, const char* label,
                              std::initializer_list<SelectorItem> items) {
   FieldSpec f = MakeField(index, FieldKind::Selector, key, label);
-  if (items.size() > kMaxSelectorItems) throw "too many selector items";  // compile-time error
+  if (items.size() > kMaxSelectorItems) TableTooLong();
   for (const SelectorItem& item : items) f.items[f.itemCount++] = item;
   return f;
 }

@@ -4,7 +4,6 @@
 // offsets come from a generator restarted at the same value every frame, so
 // the cloud of pixels moves smoothly instead of flickering.
 #include <cstring>
-#include <vector>
 
 #include "host/exports.h"
 #include "host/render_prologue.h"
@@ -39,24 +38,17 @@ class ChaosGenerator {
   uint32_t state_ = 1977;
 };
 
-// The fade of one byte, a + (b - a) * p truncated, for every pair (a, b):
-// one lookup per byte instead of a conversion. The low 8 bits of the
+// The fade of one byte, a + (b - a) * p truncated. The low 8 bits of the
 // truncated value are stored when a Progress outside 0..1 leaves 0..255.
 class ByteFade {
  public:
-  explicit ByteFade(float p) : table_(256 * 256) {
-    for (int a = 0; a < 256; ++a) {
-      for (int b = 0; b < 256; ++b) {
-        table_[a * 256 + b] = static_cast<uint8_t>(TruncToInt32(a + (b - a) * static_cast<double>(p)));
-      }
-    }
-  }
+  explicit ByteFade(float p) : p_(p) {}
   void MixPixel(const uint8_t* a, const uint8_t* b, uint8_t* out) const {
-    for (int i = 0; i < 4; ++i) out[i] = table_[a[i] * 256 + b[i]];
+    for (int i = 0; i < 4; ++i) out[i] = static_cast<uint8_t>(TruncToInt32(a[i] + (b[i] - a[i]) * p_));
   }
 
  private:
-  std::vector<uint8_t> table_;
+  double p_;
 };
 
 int32_t ChaoticDissolveInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }

@@ -3,7 +3,7 @@
 // transition. Tile sizes are real numbers, so neighbouring tiles may overlap
 // by a column or a row, and then the tile written last shows.
 #include <array>
-#include <vector>
+#include <array>
 
 #include "host/exports.h"
 #include "host/render_prologue.h"
@@ -55,11 +55,29 @@ struct AxisRun {
   uint32_t tiles;
 };
 
-std::vector<AxisRun> LastPassTiles(int32_t length) {
+// The last pass changes only where a tile starts or ends, so an axis has at
+// most 2 x 10 + 1 runs: a fixed array, and no allocation in a render.
+struct AxisRuns {
+  std::array<AxisRun, 2 * kTilesPerSide + 1> run;
+  size_t count = 0;
+
+  bool empty() const { return count == 0; }
+  AxisRun& back() { return run[count - 1]; }
+  const AxisRun* begin() const { return run.data(); }
+  const AxisRun* end() const { return run.data() + count; }
+  size_t size() const { return count; }
+  const AxisRun& operator[](size_t i) const { return run[i]; }
+  // Past the bound (which no length reaches) the rest of the axis is left as it was.
+  void push_back(const AxisRun& r) {
+    if (count < run.size()) run[count++] = r;
+  }
+};
+
+AxisRuns LastPassTiles(int32_t length) {
   const double tileSize = length / 10.0;
   int32_t start[kTilesPerSide];
   for (int32_t c = 0; c < kTilesPerSide; ++c) start[c] = TruncToInt32(c * tileSize);
-  std::vector<AxisRun> runs;
+  AxisRuns runs;
   for (int32_t i = 0; i < length; ++i) {
     int32_t lastOffset = -1;
     uint32_t tiles = 0;
@@ -100,9 +118,9 @@ int32_t MosaicRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, transType)) return 0;
   if (FramePixelCount(ri) == 0) return 1;
   const int64_t turns = int64_t{TruncToInt32(100.0 * ri->Progress)} + 1;
-  const std::vector<AxisRun> rows = LastPassTiles(ri->Height);
-  const std::vector<AxisRun> columns = LastPassTiles(ri->Width);
-  std::vector<const uint8_t*> sources(columns.size());
+  const AxisRuns rows = LastPassTiles(ri->Height);
+  const AxisRuns columns = LastPassTiles(ri->Width);
+  std::array<const uint8_t*, 2 * kTilesPerSide + 1> sources{};
   const size_t width = static_cast<size_t>(ri->Width);
   for (const AxisRun& row : rows) {
     for (size_t i = 0; i < columns.size(); ++i) sources[i] = SourceOf(ri, row.tiles, columns[i].tiles, turns);

@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
-#include <new>
 
 #include "raster/pixel_rows.h"
+#include "raster/scratch.h"
 
 namespace krl {
 
@@ -23,8 +23,8 @@ class RowBoxMean {
       : rows_(rows),
         k_(std::clamp(k, 1, kMaxSide)),
         half_(k_ / 2),
-        blueRed_(new (std::nothrow) uint32_t[static_cast<size_t>(rows.width)]),
-        green_(new (std::nothrow) uint32_t[static_cast<size_t>(rows.width)]) {}
+        blueRed_(AllocateScratch<uint32_t>(static_cast<size_t>(rows.width))),
+        green_(AllocateScratch<uint32_t>(static_cast<size_t>(rows.width))) {}
 
   // Gathers the sums of row y for means over columns [begin, end): slid down
   // from the row before when that was gathered over the same columns and no
@@ -134,7 +134,7 @@ class RowBoxMean {
   const FrameRows& rows_;
   int32_t k_, half_;
   uint64_t reciprocal_ = ((uint64_t{1} << 32) + static_cast<uint64_t>(k_ * k_) - 1) / static_cast<uint64_t>(k_ * k_);
-  std::unique_ptr<uint32_t[]> blueRed_, green_;  // per column: the sums over the k rows
+  Scratch<uint32_t> blueRed_, green_;  // per column: the sums over the k rows
   int32_t y_ = -2, first_ = 0, last_ = -1;  // the row gathered last and its columns
   uint32_t weight_ = 0;
   int32_t windowX_ = 0;  // the pixel whose window the sums below hold
