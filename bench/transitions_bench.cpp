@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "cli/fields.h"
-#include "emulator/heavier_settings.h"
+#include "emulator/test_profile.h"
 #include "emulator/host.h"
 #include "emulator/instance.h"
 #include "emulator/sample_clips.h"
@@ -161,7 +161,7 @@ int main(int argc, char** argv) {
   for (const krl::emu::DeclaredEffect& e : host->effects()) {
     for (const Size& size : kSizes) {
       add(e.DisplayName() + "/" + size.Name() + "/default", Transition, host.get(), &e, size, std::vector<std::string>{});
-      const std::vector<std::string>& heavier = krl::emu::HeavierSettings(e.DisplayName());
+      const std::vector<std::string>& heavier = krl::emu::ProfileOf(e).heavier;
       if (!heavier.empty()) add(e.DisplayName() + "/" + size.Name() + "/heavier", Transition, host.get(), &e, size, heavier);
     }
   }

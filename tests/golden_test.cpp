@@ -11,7 +11,7 @@
 
 
 #include "cli/fields.h"
-#include "emulator/heavier_settings.h"
+#include "emulator/test_profile.h"
 #include "test_support.h"
 
 namespace krl::test {
@@ -37,7 +37,7 @@ std::vector<Case> Cases(const emu::Host& host) {
   std::vector<Case> cases;
   for (const emu::DeclaredEffect& e : host.effects()) {
     std::vector<std::vector<std::string>> variants = {{}, {"TransType=1"}};
-    const std::vector<std::string>& heavier = emu::HeavierSettings(e.DisplayName());
+    const std::vector<std::string>& heavier = emu::ProfileOf(e).heavier;
     if (!heavier.empty()) variants.push_back(heavier);
     for (const auto& settings : variants) {
       for (double p : {0.0, 0.3, 0.5, 0.77, 1.0}) cases.push_back({&e, 97, 61, p, settings});

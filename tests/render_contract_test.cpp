@@ -4,6 +4,9 @@
 
 #include <cstdlib>
 
+#include "cli/fields.h"
+
+#include "emulator/test_profile.h"
 #include "test_support.h"
 
 namespace krl::test {
@@ -13,8 +16,6 @@ constexpr int32_t kW = 23, kH = 17;
 constexpr uint32_t kSentinel = 0x5A5A5A5A;
 constexpr unsigned kRandSeed = 1977;
 
-// Smouldering Paper exchanges its inputs in locals, never in the record.
-bool ExchangesInRecord(const emu::DeclaredEffect& e) { return e.context != "Smouldering Paper"; }
 
 class EveryTransition : public testing::TestWithParam<std::string> {
  protected:
@@ -45,7 +46,7 @@ TEST_P(EveryTransition, RefusesOtherPixelSizesAndTouchesNothing) {
 }
 
 TEST_P(EveryTransition, TransTypeExchangesTheRecordAndAReusedRecordExchangesBack) {
-  if (!ExchangesInRecord(effect())) GTEST_SKIP() << "exchanges in locals only";
+  if (emu::ProfileOf(effect()).exchangesInLocals) GTEST_SKIP() << "exchanges in locals only";
   emu::Instance plain(Library(), effect());
   emu::Frame straight(kW, kH);
   std::srand(kRandSeed);  // the same sparkle for transitions that draw from rand()
@@ -87,6 +88,38 @@ TEST_P(EveryTransition, InitSetsTransTypeFirstAndReadsOnlyDeclaredFields) {
   emu::Frame out(kW, kH);
   instance.Render(a_, b_, out, 0.5);
   EXPECT_TRUE(instance.diagnostics().empty()) << instance.diagnostics().front();
+}
+
+// What the tests know of a transition comes from one line of its module; a
+// transition without one, or a line naming no transition or an unknown
+// field, fails here rather than leaving a case out silently.
+TEST_P(EveryTransition, StatesOneTestProfileWhoseSettingsApply) {
+  int stated = 0;
+  for (const emu::NamedProfile& p : emu::AllProfiles()) stated += p.displayName == effect().DisplayName();
+  ASSERT_EQ(stated, 1) << "KR_TEST_PROFILE lines for " << effect().DisplayName();
+  const emu::TestProfile& profile = emu::ProfileOf(effect());
+  std::vector<std::vector<std::string>> settings = profile.drawsNothingWith;
+  settings.push_back(profile.heavier);
+  for (const std::vector<std::string>& setting : settings) {
+    emu::Instance instance(Library(), effect());
+    for (const std::string& s : setting) EXPECT_NO_THROW(cli::ApplySetting(instance, s)) << s;
+  }
+}
+
+TEST(TestProfiles, EachNamesADeclaredTransition) {
+  for (const emu::NamedProfile& p : emu::AllProfiles()) {
+    EXPECT_NE(Library().FindEffect(p.displayName), nullptr) << p.displayName;
+  }
+}
+
+TEST_P(EveryTransition, DrawsNothingWhereItsProfileSaysSo) {
+  for (const std::vector<std::string>& setting : emu::ProfileOf(effect()).drawsNothingWith) {
+    emu::Instance instance(Library(), effect());
+    for (const std::string& s : setting) cli::ApplySetting(instance, s);
+    emu::Frame out = Filled(kW, kH, kSentinel);
+    ASSERT_EQ(instance.Render(a_, b_, out, 0.5), 1);
+    EXPECT_EQ(out.pixels, Filled(kW, kH, kSentinel).pixels);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Library, EveryTransition, testing::ValuesIn(EffectNames()));

@@ -3,18 +3,13 @@
 // in every build it checks that concurrent frames equal sequential ones.
 #include <gtest/gtest.h>
 
-#include <set>
 #include <thread>
 
+#include "emulator/test_profile.h"
 #include "test_support.h"
 
 namespace krl::test {
 namespace {
-
-// These share state across renders (module variables or the process-wide
-// rand() generator), so their renders must not run concurrently.
-const std::set<std::string> kSharedState = {"Hilbert Mosaic", "Random Dissolve", "Shredder", "Fractal",
-                                            "Smouldering Paper"};
 
 TEST(Threads, ConcurrentRendersOnSeparateInstancesMatchSequentialOnes) {
   const emu::Host& host = Library();
@@ -22,7 +17,7 @@ TEST(Threads, ConcurrentRendersOnSeparateInstancesMatchSequentialOnes) {
   constexpr int32_t kW = 96, kH = 54;
   const emu::Frame a = emu::SampleClipA(kW, kH), b = emu::SampleClipB(kW, kH);
   for (const emu::DeclaredEffect& effect : host.effects()) {
-    if (kSharedState.count(effect.context) != 0) continue;
+    if (emu::ProfileOf(effect).sharedState) continue;  // module state or rand(): one at a time
     std::vector<emu::Frame> expected, outs;
     for (int t = 0; t < kThreads; ++t) {
       emu::Instance instance(host, effect);

@@ -2,7 +2,7 @@
 // and each pixel is taken whole from A or B depending on which side of it the
 // brightness of one chosen clip lies; that clip's light and dark areas become
 // the edge along which the change spreads.
-#include "host/exports.h"
+#include "host/transition.h"
 #include "host/render_prologue.h"
 #include "raster/frame.h"
 #include "raster/numeric.h"
@@ -36,8 +36,6 @@ void Cut(t_KrRenderInfo* ri, size_t pixels, const uint8_t* judged, KeepA keepA) 
   }
 }
 
-int32_t BrightnessPlasmaInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t BrightnessPlasmaRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, transType)) return 0;
   const HostCalls host(ri);
@@ -61,17 +59,10 @@ int32_t BrightnessPlasmaRender(t_KrRenderInfo* ri) {
   return 1;
 }
 
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Dissolve/Brightness Plasma",
-    .signature = "Brightness Plasma (ZE plug-in SDK effect)",
-    .displayName = "Brightness Plasma",
-    .description = "Va is cut by a brightness threshold to reveal Vb.",
-    .init = BrightnessPlasmaInit,
-    .render = BrightnessPlasmaRender,
-    .fields = kFields,
-};
-
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareBrightnessPlasma(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(BrightnessPlasma, kFields,
+              {.menuPath = "Transitions/Dissolve/Brightness Plasma", .signature = "Brightness Plasma (ZE plug-in SDK effect)",
+               .displayName = "Brightness Plasma", .description = "Va is cut by a brightness threshold to reveal Vb."})
+KR_TEST_PROFILE("Brightness Plasma", .heavier = {"VA_CUT=off", "DARK2LIGHT=off"})

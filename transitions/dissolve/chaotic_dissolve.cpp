@@ -5,7 +5,7 @@
 // the cloud of pixels moves smoothly instead of flickering.
 #include <cstring>
 
-#include "host/exports.h"
+#include "host/transition.h"
 #include "host/render_prologue.h"
 #include "raster/frame.h"
 #include "raster/numeric.h"
@@ -51,8 +51,6 @@ class ByteFade {
   double p_;
 };
 
-int32_t ChaoticDissolveInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t ChaoticDissolveRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, transType)) return 0;
   const size_t pixels = FramePixelCount(ri);
@@ -87,17 +85,10 @@ int32_t ChaoticDissolveRender(t_KrRenderInfo* ri) {
   return 1;
 }
 
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Dissolve/Chaotic Dissolve",
-    .signature = "Chaotic Dissolve (ZE plug-in SDK effect)",
-    .displayName = "Chaotic Dissolve",
-    .description = "Va blows up to chaotic pixels showing Vb.",
-    .init = ChaoticDissolveInit,
-    .render = ChaoticDissolveRender,
-    .fields = kFields,
-};
-
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareChaoticDissolve(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(ChaoticDissolve, kFields,
+              {.menuPath = "Transitions/Dissolve/Chaotic Dissolve", .signature = "Chaotic Dissolve (ZE plug-in SDK effect)",
+               .displayName = "Chaotic Dissolve", .description = "Va blows up to chaotic pixels showing Vb."})
+KR_TEST_PROFILE("Chaotic Dissolve", .heavier = {"Color=#FF2000"})

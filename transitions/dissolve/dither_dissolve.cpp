@@ -3,7 +3,7 @@
 // sequence, so the picture changes through a steady dither pattern.
 #include <array>
 
-#include "host/exports.h"
+#include "host/transition.h"
 #include "host/render_prologue.h"
 #include "raster/frame.h"
 #include "raster/numeric.h"
@@ -41,8 +41,6 @@ constexpr std::array<int32_t, kPositions> kRoundOf = [] {
   return round;
 }();
 
-int32_t DitherDissolveInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t DitherDissolveRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, transType)) return 0;
   if (FramePixelCount(ri) == 0) return 1;
@@ -66,17 +64,10 @@ int32_t DitherDissolveRender(t_KrRenderInfo* ri) {
   return 1;
 }
 
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Dissolve/Dither Dissolve",
-    .signature = "Dither Dissolve (ZE plug-in SDK effect)",
-    .displayName = "Dither Dissolve",
-    .description = "Va dithers to Vb.",
-    .init = DitherDissolveInit,
-    .render = DitherDissolveRender,
-    .fields = kFields,
-};
-
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareDitherDissolve(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(DitherDissolve, kFields,
+              {.menuPath = "Transitions/Dissolve/Dither Dissolve", .signature = "Dither Dissolve (ZE plug-in SDK effect)",
+               .displayName = "Dither Dissolve", .description = "Va dithers to Vb."})
+KR_TEST_PROFILE("Dither Dissolve")

@@ -1,7 +1,7 @@
 // Traditional Fade: every byte of the output is a mix of A and B whose weight
 // follows the user's "Progression" curve, so the fade may speed up, slow down
 // or even run backwards.
-#include "host/exports.h"
+#include "host/transition.h"
 #include "host/render_prologue.h"
 #include "raster/frame.h"
 #include "raster/numeric.h"
@@ -41,8 +41,6 @@ void MixBytes(const uint8_t* a, const uint8_t* b, uint8_t* out, size_t count, ui
   }
 }
 
-int32_t FadeDissolveInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t FadeDissolveRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, transType)) return 0;
   const double p = HostCalls(ri).Curve(progression);
@@ -51,17 +49,10 @@ int32_t FadeDissolveRender(t_KrRenderInfo* ri) {
   return 1;
 }
 
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Dissolve/Traditional Fade",
-    .signature = "Traditional Fade (ZE plug-in SDK effect)",
-    .displayName = "Traditional Fade",
-    .description = "Va fades over to Vb.",
-    .init = FadeDissolveInit,
-    .render = FadeDissolveRender,
-    .fields = kFields,
-};
-
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareFadeDissolve(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(FadeDissolve, kFields,
+              {.menuPath = "Transitions/Dissolve/Traditional Fade", .signature = "Traditional Fade (ZE plug-in SDK effect)",
+               .displayName = "Traditional Fade", .description = "Va fades over to Vb."})
+KR_TEST_PROFILE("Traditional Fade", .heavier = {"Progression=0.999"})

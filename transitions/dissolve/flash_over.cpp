@@ -1,7 +1,7 @@
 // Flash Over: the output is always one whole clip, A with short flashes of B
 // that come ever closer together until B stays. Each gap is a fixed share of
 // the time left; the variation sets that share and the length of a flash.
-#include "host/exports.h"
+#include "host/transition.h"
 #include "host/render_prologue.h"
 #include "raster/frame.h"
 #include "raster/numeric.h"
@@ -58,8 +58,6 @@ bool ShowsB(int32_t k, FlashSchedule schedule) {
   }
 }
 
-int32_t FlashOverInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t FlashOverRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, transType)) return 0;
   const FlashSchedule schedule = ScheduleOf(HostCalls(ri).Field(variation));
@@ -68,17 +66,10 @@ int32_t FlashOverRender(t_KrRenderInfo* ri) {
   return 1;
 }
 
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Special/Flash Over",
-    .signature = "Flash Over (ZE plug-in SDK effect)",
-    .displayName = "Flash Over",
-    .description = "Vb flashes in front of Va.",
-    .init = FlashOverInit,
-    .render = FlashOverRender,
-    .fields = kFields,
-};
-
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareFlashOver(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(FlashOver, kFields,
+              {.menuPath = "Transitions/Special/Flash Over", .signature = "Flash Over (ZE plug-in SDK effect)",
+               .displayName = "Flash Over", .description = "Vb flashes in front of Va."})
+KR_TEST_PROFILE("Flash Over", .heavier = {"Variation=5"})

@@ -5,7 +5,7 @@
 #include <array>
 #include <array>
 
-#include "host/exports.h"
+#include "host/transition.h"
 #include "host/render_prologue.h"
 #include "raster/frame.h"
 #include "raster/numeric.h"
@@ -112,8 +112,6 @@ const uint8_t* SourceOf(const t_KrRenderInfo* ri, uint32_t rows, uint32_t column
   return latest < turns ? ri->InputB : ri->InputA;
 }
 
-int32_t MosaicInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t MosaicRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, transType)) return 0;
   if (FramePixelCount(ri) == 0) return 1;
@@ -135,17 +133,10 @@ int32_t MosaicRender(t_KrRenderInfo* ri) {
   return 1;
 }
 
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Dissolve/Mosaic",
-    .signature = "Mosaic (ZE plug-in SDK effect)",
-    .displayName = "Mosaic",
-    .description = "Vb becomes visible like a mosaic.",
-    .init = MosaicInit,
-    .render = MosaicRender,
-    .fields = kFields,
-};
-
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareMosaic(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(Mosaic, kFields,
+              {.menuPath = "Transitions/Dissolve/Mosaic", .signature = "Mosaic (ZE plug-in SDK effect)",
+               .displayName = "Mosaic", .description = "Vb becomes visible like a mosaic."})
+KR_TEST_PROFILE("Mosaic")

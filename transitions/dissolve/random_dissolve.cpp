@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "host/exports.h"
+#include "host/transition.h"
 #include "host/render_prologue.h"
 #include "raster/frame.h"
 #include "raster/numeric.h"
@@ -27,8 +27,6 @@ constexpr int32_t kOrders[3][kPositions] = {
     {11, 8, 15, 1, 9, 4, 13, 7, 2, 12, 5, 14, 3, 10, 6, 0},
     {6, 12, 11, 0, 14, 4, 3, 8, 1, 15, 2, 9, 7, 13, 10, 5},
 };
-
-int32_t RandomDissolveInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
 
 int32_t RandomDissolveRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, transType)) return 0;
@@ -64,17 +62,10 @@ int32_t RandomDissolveRender(t_KrRenderInfo* ri) {
   return 1;
 }
 
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Dissolve/Random Dissolve",
-    .signature = "Random Dissolve (ZE plug-in SDK effect)",
-    .displayName = "Random Dissolve",
-    .description = "Va dithers randomly to Vb.",
-    .init = RandomDissolveInit,
-    .render = RandomDissolveRender,
-    .fields = kFields,
-};
-
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareRandomDissolve(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(RandomDissolve, kFields,
+              {.menuPath = "Transitions/Dissolve/Random Dissolve", .signature = "Random Dissolve (ZE plug-in SDK effect)",
+               .displayName = "Random Dissolve", .description = "Va dithers randomly to Vb."})
+KR_TEST_PROFILE("Random Dissolve", .sharedState = true)

@@ -1,6 +1,6 @@
 // Inset: in every cell B slides in diagonally from one corner over a still
 // A, an L-shaped pen along B's two inner edges.
-#include "host/exports.h"
+#include "host/transition.h"
 #include "host/render_prologue.h"
 #include "raster/pixel_rows.h"
 #include "transitions/pengrid/pen_grid.h"
@@ -87,8 +87,6 @@ void PaintCell(const FrameRows& rows, const Cell& c, Corner corner, double p, in
   for (int32_t y = bRows0; y < bRows1; ++y) columns.Row(rows, y, rows.B(y + bRowShift), pen);
 }
 
-int32_t InsetInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t InsetRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, fields.transType)) return 0;
   const HostCalls host(ri);
@@ -104,17 +102,10 @@ int32_t InsetRender(t_KrRenderInfo* ri) {
   return 1;
 }
 
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Slide/Inset",
-    .signature = "Inset (ZE plug-in SDK effect)",
-    .displayName = "Inset",
-    .description = "Vb slides over Va from one corner.",
-    .init = InsetInit,
-    .render = InsetRender,
-    .fields = kFields,
-};
-
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareInset(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(Inset, kFields,
+              {.menuPath = "Transitions/Slide/Inset", .signature = "Inset (ZE plug-in SDK effect)",
+               .displayName = "Inset", .description = "Vb slides over Va from one corner."})
+KR_TEST_PROFILE("Inset", .heavier = {"Divide_X=3", "Divide_Y=2", "BorderWidth=5", "Color=#FF2000", "Direction=3"})

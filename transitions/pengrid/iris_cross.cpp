@@ -1,7 +1,7 @@
 // Iris Cross: in every cell a cross of two bars, each running across the
 // whole cell, opens on B (or closes on A); the pen lines the bars' edges on
 // their inside.
-#include "host/exports.h"
+#include "host/transition.h"
 #include "transitions/pengrid/iris_frame.h"
 
 namespace krl {
@@ -62,21 +62,12 @@ class CrossShape {
   const IrisFrame& f_;
 };
 
-int32_t IrisCrossInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t IrisCrossRender(t_KrRenderInfo* ri) { return RenderIris<CrossShape>(ri, fields, PenWidening::ByTwo); }
-
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Iris/Iris Cross",
-    .signature = "Iris Cross (ZE plug-in SDK effect)",
-    .displayName = "Iris Cross",
-    .description = "Va opens like a cross iris showing Vb.",
-    .init = IrisCrossInit,
-    .render = IrisCrossRender,
-    .fields = kFields,
-};
 
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareIrisCross(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(IrisCross, kFields,
+              {.menuPath = "Transitions/Iris/Iris Cross", .signature = "Iris Cross (ZE plug-in SDK effect)",
+               .displayName = "Iris Cross", .description = "Va opens like a cross iris showing Vb."})
+KR_TEST_PROFILE("Iris Cross", .heavier = {"Divide_X=4", "Divide_Y=3", "BorderWidth=4", "Color=#FF2000"})

@@ -2,7 +2,7 @@
 // closes on A), the pen outside its edge.
 #include <cmath>
 
-#include "host/exports.h"
+#include "host/transition.h"
 #include "transitions/pengrid/iris_frame.h"
 
 namespace krl {
@@ -42,21 +42,12 @@ class DiamondShape {
   int32_t r_;  // the inner diamond's radius
 };
 
-int32_t IrisDiamondInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t IrisDiamondRender(t_KrRenderInfo* ri) { return RenderIris<DiamondShape>(ri, fields, PenWidening::ByTwo); }
-
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Iris/Iris Diamond",
-    .signature = "Iris Diamond (ZE plug-in SDK effect)",
-    .displayName = "Iris Diamond",
-    .description = "Va opens like a diamond iris showing Vb.",
-    .init = IrisDiamondInit,
-    .render = IrisDiamondRender,
-    .fields = kFields,
-};
 
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareIrisDiamond(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(IrisDiamond, kFields,
+              {.menuPath = "Transitions/Iris/Iris Diamond", .signature = "Iris Diamond (ZE plug-in SDK effect)",
+               .displayName = "Iris Diamond", .description = "Va opens like a diamond iris showing Vb."})
+KR_TEST_PROFILE("Iris Diamond", .heavier = {"Divide_X=2", "Divide_Y=2", "BorderWidth=6", "Color=#FF2000"})

@@ -2,7 +2,7 @@
 // closes on A), a pen ring outside its edge; optionally with soft edges.
 #include <cmath>
 
-#include "host/exports.h"
+#include "host/transition.h"
 #include "transitions/pengrid/iris_frame.h"
 
 namespace krl {
@@ -146,23 +146,14 @@ class RoundShape {
   std::array<int64_t, kLimitCount> limits_{};  // the values of q where the source may change
 };
 
-int32_t IrisRoundInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t IrisRoundRender(t_KrRenderInfo* ri) {
   return RenderIris<RoundShape>(ri, fields, PenWidening::None, &antiAliasing);
 }
 
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Iris/Iris Round",
-    .signature = "Iris Round (ZE plug-in SDK effect)",
-    .displayName = "Iris Round",
-    .description = "Va opens like a round iris showing Vb.",
-    .init = IrisRoundInit,
-    .render = IrisRoundRender,
-    .fields = kFields,
-};
-
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareIrisRound(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(IrisRound, kFields,
+              {.menuPath = "Transitions/Iris/Iris Round", .signature = "Iris Round (ZE plug-in SDK effect)",
+               .displayName = "Iris Round", .description = "Va opens like a round iris showing Vb."})
+KR_TEST_PROFILE("Iris Round", .heavier = {"Divide_X=3", "Divide_Y=2", "BorderWidth=4", "Color=#FF2000", "Anti-Aliasing=on"})

@@ -1,6 +1,6 @@
 // Iris Squared: in every cell a rectangle centred in the cell opens on B (or
 // closes on A), the pen outside its edge.
-#include "host/exports.h"
+#include "host/transition.h"
 #include "transitions/pengrid/iris_frame.h"
 
 namespace krl {
@@ -36,21 +36,12 @@ class SquaredShape {
   int32_t a_, b_;  // half-sizes of the inner rectangle
 };
 
-int32_t IrisSquaredInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t IrisSquaredRender(t_KrRenderInfo* ri) { return RenderIris<SquaredShape>(ri, fields, PenWidening::ByTwo); }
-
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Iris/Iris Squared",
-    .signature = "Iris Squared (ZE plug-in SDK effect)",
-    .displayName = "Iris Squared",
-    .description = "Va opens like a squared iris showing Vb.",
-    .init = IrisSquaredInit,
-    .render = IrisSquaredRender,
-    .fields = kFields,
-};
 
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareIrisSquared(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(IrisSquared, kFields,
+              {.menuPath = "Transitions/Iris/Iris Squared", .signature = "Iris Squared (ZE plug-in SDK effect)",
+               .displayName = "Iris Squared", .description = "Va opens like a squared iris showing Vb."})
+KR_TEST_PROFILE("Iris Squared", .heavier = {"Divide_X=3", "Divide_Y=3", "BorderWidth=4", "Color=#FF2000", "Direction=1"})

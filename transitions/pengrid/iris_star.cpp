@@ -3,7 +3,7 @@
 // filter run in place over the star, the inner star twice.
 #include <algorithm>
 
-#include "host/exports.h"
+#include "host/transition.h"
 #include "transitions/pengrid/iris_frame.h"
 #include "transitions/pengrid/row_box_mean.h"
 
@@ -118,23 +118,14 @@ class StarShape {
   int32_t k_;  // box side
 };
 
-int32_t IrisStarInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t IrisStarRender(t_KrRenderInfo* ri) {
   return RenderIris<StarShape>(ri, fields, PenWidening::None, &smoothingFactor);
 }
 
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Iris/Iris Star",
-    .signature = "Iris Star (ZE plug-in SDK effect)",
-    .displayName = "Iris Star",
-    .description = "Va opens like a star-shaped iris showing Vb.",
-    .init = IrisStarInit,
-    .render = IrisStarRender,
-    .fields = kFields,
-};
-
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareIrisStar(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(IrisStar, kFields,
+              {.menuPath = "Transitions/Iris/Iris Star", .signature = "Iris Star (ZE plug-in SDK effect)",
+               .displayName = "Iris Star", .description = "Va opens like a star-shaped iris showing Vb."})
+KR_TEST_PROFILE("Iris Star", .heavier = {"Divide_X=2", "Divide_Y=2", "BorderWidth=4", "Color=#FF2000", "SmoothingFactor=Large"})

@@ -1,6 +1,6 @@
 // Push: in every cell of the pen grid B moves in from one side and pushes A
 // out of the other, a pen band between them.
-#include "host/exports.h"
+#include "host/transition.h"
 #include "transitions/pengrid/travel_band.h"
 
 namespace krl {
@@ -25,21 +25,12 @@ ReadShifts Pushed(const BandCell& band) {
   return {MovedInShift(band), a};
 }
 
-int32_t PushInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t PushRender(t_KrRenderInfo* ri) { return RenderTravelBand(ri, fields, Pushed); }
-
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Push/Push",
-    .signature = "Push (ZE plug-in SDK effect)",
-    .displayName = "Push",
-    .description = "Va is pushed aside by Vb.",
-    .init = PushInit,
-    .render = PushRender,
-    .fields = kFields,
-};
 
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclarePush(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(Push, kFields,
+              {.menuPath = "Transitions/Push/Push", .signature = "Push (ZE plug-in SDK effect)",
+               .displayName = "Push", .description = "Va is pushed aside by Vb."})
+KR_TEST_PROFILE("Push", .heavier = {"Divide_X=4", "BorderWidth=6", "Color=#FF2000"})

@@ -1,6 +1,6 @@
 // Slide: in every cell of the pen grid B slides in from one side over a
 // still A, a pen band running ahead of B's edge.
-#include "host/exports.h"
+#include "host/transition.h"
 #include "transitions/pengrid/travel_band.h"
 
 namespace krl {
@@ -14,21 +14,12 @@ constexpr auto kFields =
 // B shows the part of its cell that has come in; A stays where it is.
 ReadShifts SlidIn(const BandCell& band) { return {MovedInShift(band), 0}; }
 
-int32_t SlideInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kFields); }
-
 int32_t SlideRender(t_KrRenderInfo* ri) { return RenderTravelBand(ri, fields, SlidIn); }
-
-constexpr EffectSpec kEffect{
-    .menuPath = "Transitions/Slide/Slide",
-    .signature = "Slide (ZE plug-in SDK effect)",
-    .displayName = "Slide",
-    .description = "Vb slides into Va from one side.",
-    .init = SlideInit,
-    .render = SlideRender,
-    .fields = kFields,
-};
 
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT int32_t KrDeclareSlide(t_KrHostInfo* hi) { return krl::DeclareEffect(hi, krl::kEffect); }
+KR_TRANSITION(Slide, kFields,
+              {.menuPath = "Transitions/Slide/Slide", .signature = "Slide (ZE plug-in SDK effect)",
+               .displayName = "Slide", .description = "Vb slides into Va from one side."})
+KR_TEST_PROFILE("Slide", .heavier = {"Direction=3", "Divide_Y=3", "BorderWidth=6", "Color=#FF2000"})
