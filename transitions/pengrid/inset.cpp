@@ -48,9 +48,9 @@ struct ColumnPlan {
   int32_t bShift;  // B column minus output column
 
   // bRow is null in the rows of pen only.
-  void Row(const FrameRows& rows, int32_t y, const uint32_t* bRow, uint32_t pen) const {
-    uint32_t* out = rows.Out(y);
-    const uint32_t* aRow = rows.A(y);
+  void Row(const FrameRows& rows, int32_t y, const PixelWord* bRow, uint32_t pen) const {
+    PixelWord* out = rows.Out(y);
+    const PixelWord* aRow = rows.A(y);
     if (left) {
       int32_t penBegin = x0;
       if (bRow != nullptr) {
@@ -73,12 +73,12 @@ void PaintCell(const FrameRows& rows, const Cell& c, Corner corner, double p, in
   const int32_t w = c.Width(), h = c.Height();
   const int32_t a = Extent(w, p, rounded), b = Extent(h, p, rounded);
   const ColumnPlan columns{c.x0, c.x1, a,
-                           corner.left ? BandEnd(c.x0 + a, t, c.x1, true) : BandEnd(c.x1 - a, t, c.x0, false),
+                           corner.left ? StepTowardLimit(c.x0 + a, t, c.x1, true) : StepTowardLimit(c.x1 - a, t, c.x0, false),
                            corner.left, corner.left ? w - a : a - w};
   // Rows of B (read from the opposite end of B's cell), of pen and of A only.
   const int32_t bRows0 = corner.top ? c.y1 - b : c.y0, bRows1 = corner.top ? c.y1 : c.y0 + b;
   const int32_t bRowShift = corner.top ? b - h : h - b;
-  const int32_t ey = corner.top ? BandEnd(c.y1 - b, t, c.y0, false) : BandEnd(c.y0 + b, t, c.y1, true);
+  const int32_t ey = corner.top ? StepTowardLimit(c.y1 - b, t, c.y0, false) : StepTowardLimit(c.y0 + b, t, c.y1, true);
   const int32_t penRows0 = corner.top ? ey : bRows1, penRows1 = corner.top ? bRows0 : ey;
   const int32_t aRows0 = corner.top ? c.y0 : ey, aRows1 = corner.top ? ey : c.y1;
 

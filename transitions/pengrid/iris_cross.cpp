@@ -33,14 +33,14 @@ class CrossShape {
   // read nothing of each other, so the picture is the same in any order.
   void Paint(const Cell& c) const {
     const int32_t w = c.Width(), h = c.Height();
-    int32_t a = TruncToInt32(RoundToSingle(static_cast<long double>(w) * f_.p));
-    int32_t b = TruncToInt32(RoundToSingle(static_cast<long double>(h) * f_.p));
+    int32_t a = TruncToInt32(RoundToSingle(static_cast<long double>(w) * f_.progress));
+    int32_t b = TruncToInt32(RoundToSingle(static_cast<long double>(h) * f_.progress));
     if (f_.close) {
       a = w - a;
       b = h - b;
     }
     const Span barRows = Bar(c.y0, h, b), barColumns = Bar(c.x0, w, a);
-    const Span innerRows = Shrunk(barRows, f_.t), innerColumns = Shrunk(barColumns, f_.t);
+    const Span innerRows = Shrunk(barRows, f_.penThickness), innerColumns = Shrunk(barColumns, f_.penThickness);
     for (int32_t y = c.y0; y < c.y1; ++y) {
       if (innerRows.Has(y)) {
         f_.PaintRun(Source::Inside, y, c.x0, c.x1);

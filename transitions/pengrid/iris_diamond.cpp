@@ -28,10 +28,10 @@ int32_t Radius(float reach, double p, bool close) {
 
 class DiamondShape {
  public:
-  explicit DiamondShape(const IrisFrame& f) : f_(f), r_(Radius(Reach(f.cw, f.ch), f.p, f.close)) {}
+  explicit DiamondShape(const IrisFrame& f) : f_(f), r_(Radius(Reach(f.cellWidth, f.cellHeight), f.progress, f.close)) {}
 
   void Paint(const Cell& c) const {
-    const int32_t cx = c.x0 + f_.hx, cy = c.y0 + f_.hy, ro = r_ + f_.t;
+    const int32_t cx = c.x0 + f_.centreX, cy = c.y0 + f_.centreY, ro = r_ + f_.penThickness;
     const Vertex inner[] = {{cx, cy - r_}, {cx + r_, cy}, {cx, cy + r_}, {cx - r_, cy}};
     const Vertex outer[] = {{cx, cy - ro}, {cx + ro, cy}, {cx, cy + ro}, {cx - ro, cy}};
     PaintPolygonPair(f_, c, inner, outer);

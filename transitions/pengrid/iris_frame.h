@@ -8,6 +8,7 @@
 
 #include "host/render_prologue.h"
 #include "raster/pixel_rows.h"
+#include "raster/pixel_runs.h"
 #include "raster/polygon.h"
 #include "transitions/pengrid/pen_grid.h"
 
@@ -21,22 +22,22 @@ enum class Source : uint8_t { Inside, Outside, Pen, Blend };
 
 struct IrisFrame {
   FrameRows rows;
-  const uint32_t* inside;   // B when opening, A when closing
-  const uint32_t* outside;  // the other clip
+  const PixelWord* inside;         // B when opening, A when closing
+  const PixelWord* outside;        // the other clip
   uint32_t pen;
-  int32_t t;                // pen thickness
+  int32_t penThickness;
   bool close;
-  double p;                 // Progress, held to 0..1
-  int32_t cw, ch;           // nominal cell size
-  int32_t hx, hy;           // cell centre offsets
-  int32_t option;           // the member's own ninth field, 0 when it has none
+  double progress;                 // held to 0..1
+  int32_t cellWidth, cellHeight;   // the nominal cell size
+  int32_t centreX, centreY;        // the cell centre's offsets from the cell's corner
+  int32_t option;                  // the member's own ninth field, 0 when it has none
 
-  const uint32_t* InsideRow(int32_t y) const { return inside + rows.RowStart(y); }
-  const uint32_t* OutsideRow(int32_t y) const { return outside + rows.RowStart(y); }
+  const PixelWord* InsideRow(int32_t y) const { return inside + rows.RowStart(y); }
+  const PixelWord* OutsideRow(int32_t y) const { return outside + rows.RowStart(y); }
 
   // Copies or fills columns [begin, end) of row y (Blend is the member's own).
   void PaintRun(Source source, int32_t y, int32_t begin, int32_t end) const {
-    uint32_t* out = rows.Out(y) + begin;
+    PixelWord* out = rows.Out(y) + begin;
     switch (source) {
       case Source::Inside: CopyRun(out, InsideRow(y) + begin, end - begin); break;
       case Source::Outside: CopyRun(out, OutsideRow(y) + begin, end - begin); break;
@@ -45,33 +46,6 @@ struct IrisFrame {
     }
   }
 };
-
-// Splits [begin, end) at the cut columns and hands each longest run of one
-// class (a Source, or any value the caller tells pixels apart by) to
-// paint(class, runBegin, runEnd). The class must not change between cuts;
-// classify(x) is asked once at begin and at every cut inside.
-template <typename Classify, typename Paint>
-void ForEachRun(int32_t begin, int32_t end, std::span<int32_t> cuts, Classify classify, Paint paint) {
-  using Class = decltype(classify(begin));
-  if (begin >= end) return;
-  // A handful of cuts: insertion sort.
-  for (size_t i = 1; i < cuts.size(); ++i) {
-    for (size_t j = i; j > 0 && cuts[j] < cuts[j - 1]; --j) std::swap(cuts[j], cuts[j - 1]);
-  }
-  int32_t runBegin = begin;
-  Class runSource = classify(begin);
-  for (const int32_t cut : cuts) {
-    if (cut <= begin) continue;
-    if (cut >= end) break;
-    const Class source = classify(cut);
-    if (source != runSource) {
-      paint(runSource, runBegin, cut);
-      runBegin = cut;
-      runSource = source;
-    }
-  }
-  paint(runSource, runBegin, end);
-}
 
 // The pixel rule of the polygon members: inside both polygons the inside
 // source, inside the outer one only the pen, elsewhere the outside source.
@@ -129,17 +103,17 @@ int32_t RenderIris(t_KrRenderInfo* ri, const PenGridFields& fields, PenWidening 
 
   IrisFrame f{};
   f.rows = FrameRows::Of(ri);
-  f.inside = close ? f.rows.a : f.rows.b;
-  f.outside = close ? f.rows.b : f.rows.a;
+  f.inside = close ? f.rows.inputA : f.rows.inputB;
+  f.outside = close ? f.rows.inputB : f.rows.inputA;
   f.pen = reads.pen;
-  f.t = PenThickness(reads.thickness);
-  if (widening == PenWidening::ByTwo && f.t != 0) f.t += 2;
+  f.penThickness = PenThickness(reads.thickness);
+  if (widening == PenWidening::ByTwo && f.penThickness != 0) f.penThickness += 2;
   f.close = close;
-  f.p = ShapeProgress(ri->Progress);
-  f.cw = NominalCellSize(f.rows.width, reads.divideX);
-  f.ch = NominalCellSize(f.rows.height, reads.divideY);
-  f.hx = f.cw >> 1;
-  f.hy = f.ch >> 1;
+  f.progress = ShapeProgress(ri->Progress);
+  f.cellWidth = NominalCellSize(f.rows.width, reads.divideX);
+  f.cellHeight = NominalCellSize(f.rows.height, reads.divideY);
+  f.centreX = f.cellWidth >> 1;
+  f.centreY = f.cellHeight >> 1;
   f.option = optionValue;
   const Shape shape(f);
   ForEachWholeCell(f.rows.width, f.rows.height, reads.divideX, reads.divideY,

@@ -45,20 +45,20 @@ class RoundShape {
   explicit RoundShape(const IrisFrame& f) : f_(f) {
     // The cell diagonal from the integer sum of squares, rooted in extended precision, stored as single.
     const float diagonal =
-        RoundToSingle(std::sqrt(static_cast<long double>(int64_t{f.cw} * f.cw + int64_t{f.ch} * f.ch)));
-    float d = RoundToSingle(f.p * static_cast<long double>(diagonal));
+        RoundToSingle(std::sqrt(static_cast<long double>(int64_t{f.cellWidth} * f.cellWidth + int64_t{f.cellHeight} * f.cellHeight)));
+    float d = RoundToSingle(f.progress * static_cast<long double>(diagonal));
     if (f.close) d = RoundToSingle(static_cast<long double>(diagonal) - d);
     rad_ = d * 0.5f;
     // Below 2^50 for frames up to 2^24 pixels a side: the conversions are exact.
     r2_ = static_cast<int64_t>(static_cast<long double>(rad_) * rad_);
-    const int64_t ro = TruncToInt32(f.t + static_cast<long double>(rad_));
+    const int64_t ro = TruncToInt32(f.penThickness + static_cast<long double>(rad_));
     ro2_ = ro * ro;
     limits_ = {r2_, ro2_, 0, 0};  // a limit of 0 cuts nowhere
     if (f.option != 0) PrepareSoftEdges();
   }
 
   void Paint(const Cell& c) const {
-    const int32_t cx = c.x0 + f_.hx, cy = c.y0 + f_.hy;
+    const int32_t cx = c.x0 + f_.centreX, cy = c.y0 + f_.centreY;
     for (int32_t y = c.y0; y < c.y1; ++y) {
       const int64_t uy2 = int64_t{cy - y} * (cy - y);
       auto q = [&](int32_t x) { return int64_t{cx - x} * (cx - x) + uy2; };
@@ -78,7 +78,7 @@ class RoundShape {
               f_.PaintRun(s, y, begin, end);
               return;
             }
-            uint32_t* out = f_.rows.Out(y);
+            PixelWord* out = f_.rows.Out(y);
             for (int32_t x = begin; x < end; ++x) out[x] = SoftPixel(x, y, cx, q(x));
           });
     }
@@ -100,7 +100,7 @@ class RoundShape {
   }
 
   void PrepareSoftEdges() {
-    const double rad = rad_, t = f_.t;
+    const double rad = rad_, t = f_.penThickness;
     auto below = [](double v) { return static_cast<int64_t>(std::floor(v * v)) - 2; };
     auto above = [](double v) { return static_cast<int64_t>(std::ceil(v * v)) + 2; };
     insideUpTo_ = rad >= 2.0 ? below(rad - 0.75) : -1;
@@ -114,14 +114,14 @@ class RoundShape {
   // in frame coordinates, whatever cell the pixel lies in.
   long double Softness(int32_t x, int32_t y, int32_t cx) const {
     if (x == cx) return 0.5L;
-    const long double angle = std::atan(std::abs(static_cast<long double>(f_.hy) - y) /
-                                        std::abs(static_cast<long double>(f_.hx) - x));
+    const long double angle = std::atan(std::abs(static_cast<long double>(f_.centreY) - y) /
+                                        std::abs(static_cast<long double>(f_.centreX) - x));
     return (std::cos(angle) + std::sin(angle)) * 0.5L;
   }
 
   uint32_t SoftPixel(int32_t x, int32_t y, int32_t cx, int64_t q) const {
     const uint32_t inside = f_.InsideRow(y)[x], outside = f_.OutsideRow(y)[x], pen = f_.pen;
-    const bool noPen = f_.t == 0;
+    const bool noPen = f_.penThickness == 0;
     const long double dist = std::sqrt(static_cast<long double>(q));
     const long double k = Softness(x, y, cx);
     if (q < r2_) {
@@ -129,12 +129,12 @@ class RoundShape {
       return e < k ? Blend(noPen ? outside : pen, inside, MixFactor(k, e)) : inside;
     }
     if (q >= ro2_) {
-      const long double e = (dist - rad_) - f_.t;
+      const long double e = (dist - rad_) - f_.penThickness;
       return e < k ? Blend(noPen ? inside : pen, outside, MixFactor(k, e)) : outside;
     }
     const long double e = dist - rad_;
     if (e < k) return Blend(inside, noPen ? outside : pen, MixFactor(k, e));
-    if (f_.t - e < k) return Blend(outside, noPen ? inside : pen, MixFactor(k, f_.t - e));
+    if (f_.penThickness - e < k) return Blend(outside, noPen ? inside : pen, MixFactor(k, f_.penThickness - e));
     return pen;
   }
 

@@ -21,11 +21,11 @@ int32_t HalfSize(int32_t nominal, double p, bool close) {
 class SquaredShape {
  public:
   explicit SquaredShape(const IrisFrame& f)
-      : f_(f), a_(HalfSize(f.cw, f.p, f.close)), b_(HalfSize(f.ch, f.p, f.close)) {}
+      : f_(f), a_(HalfSize(f.cellWidth, f.progress, f.close)), b_(HalfSize(f.cellHeight, f.progress, f.close)) {}
 
   void Paint(const Cell& c) const {
-    const int32_t cx = c.x0 + f_.hx, cy = c.y0 + f_.hy;
-    const int32_t ao = a_ + f_.t, bo = b_ + f_.t;
+    const int32_t cx = c.x0 + f_.centreX, cy = c.y0 + f_.centreY;
+    const int32_t ao = a_ + f_.penThickness, bo = b_ + f_.penThickness;
     const Vertex inner[] = {{cx - a_, cy - b_}, {cx + a_, cy - b_}, {cx + a_, cy + b_}, {cx - a_, cy + b_}};
     const Vertex outer[] = {{cx - ao, cy - bo}, {cx + ao, cy - bo}, {cx + ao, cy + bo}, {cx - ao, cy + bo}};
     PaintPolygonPair(f_, c, inner, outer);

@@ -5,7 +5,7 @@
 
 #include "host/transition.h"
 #include "transitions/pengrid/iris_frame.h"
-#include "transitions/pengrid/row_box_mean.h"
+#include "raster/row_box_mean.h"
 
 namespace krl {
 namespace {
@@ -72,12 +72,12 @@ std::array<Vertex, 10> Star(const Cell& c, int32_t hx, int32_t hy, int32_t tip, 
 class StarShape {
  public:
   explicit StarShape(const IrisFrame& f)
-      : f_(f), r_(Radius(Reach(f.cw, f.ch), f.p, f.close)), k_(BoxSide(f.option)) {}
+      : f_(f), r_(Radius(Reach(f.cellWidth, f.cellHeight), f.progress, f.close)), k_(BoxSide(f.option)) {}
 
   void Paint(const Cell& c) const {
-    const int32_t outerTip = TruncToInt32(RoundToSingle(f_.t * 1.5 + 2.0 * r_));
-    const auto inner = Star(c, f_.hx, f_.hy, 2 * r_, r_);
-    const auto outer = Star(c, f_.hx, f_.hy, outerTip, f_.t + r_);
+    const int32_t outerTip = TruncToInt32(RoundToSingle(f_.penThickness * 1.5 + 2.0 * r_));
+    const auto inner = Star(c, f_.centreX, f_.centreY, 2 * r_, r_);
+    const auto outer = Star(c, f_.centreX, f_.centreY, outerTip, f_.penThickness + r_);
     PaintPolygonPair(f_, c, inner, outer);
     Smooth(c, inner, outer);
   }
@@ -92,7 +92,7 @@ class StarShape {
     for (int32_t y = c.y0; y < c.y1; ++y) {
       const RowCrossings in(inner, y), out(outer, y);
       PairCuts cuts(in, out);
-      uint32_t* row = f_.rows.Out(y);
+      PixelWord* row = f_.rows.Out(y);
       bool started = false;
       ForEachRun(
           c.x0, c.x1, cuts.Columns(),

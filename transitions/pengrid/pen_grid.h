@@ -9,6 +9,7 @@
 
 #include "host/host_calls.h"
 #include "raster/numeric.h"
+#include "raster/pixel_runs.h"
 #include "transitions/pengrid/pen_fields.h"
 
 namespace krl {
@@ -94,12 +95,6 @@ void ForEachWholeCell(int32_t width, int32_t height, int32_t dx, int32_t dy, Pai
       paint(Cell{x0, x1, y0, y1});
     }
   }
-}
-
-// A band edge t pixels beyond `from`, but not beyond `limit` (either side).
-inline int32_t BandEnd(int32_t from, int32_t t, int32_t limit, bool forward) {
-  return static_cast<int32_t>(forward ? std::min<int64_t>(int64_t{from} + t, limit)
-                                      : std::max<int64_t>(int64_t{from} - t, limit));
 }
 
 }  // namespace krl

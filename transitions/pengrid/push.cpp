@@ -15,10 +15,10 @@ constexpr auto kFields =
 // the pen pushes A too (a shift of n + t); in the other directions the pen
 // hides the t pixels of A next to it. The asymmetry is part of the look.
 ReadShifts Pushed(const BandCell& band) {
-  int32_t a = band.n;
+  int32_t a = band.advance;
   switch (band.travel) {
-    case Travel::LeftToRight: a = band.cell.x0 - band.e; break;
-    case Travel::BottomToTop: a = -band.n; break;
+    case Travel::LeftToRight: a = band.cell.x0 - band.penEnd; break;
+    case Travel::BottomToTop: a = -band.advance; break;
     case Travel::RightToLeft:
     case Travel::TopToBottom: break;
   }

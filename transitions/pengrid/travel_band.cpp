@@ -18,7 +18,7 @@ struct BandRanges {
 
 BandRanges RangesOf(const BandCell& band) {
   const Cell& c = band.cell;
-  const int32_t n = band.n, e = band.e;
+  const int32_t n = band.advance, e = band.penEnd;
   switch (band.travel) {
     case Travel::LeftToRight: return {{c.x0, c.x0 + n}, {c.x0 + n, e}, {e, c.x1}};
     case Travel::RightToLeft: return {{c.x1 - n, c.x1}, {e, c.x1 - n}, {c.x0, e}};
@@ -31,30 +31,30 @@ BandRanges RangesOf(const BandCell& band) {
 BandCell BandOf(const Cell& cell, Travel travel, double p, int32_t t) {
   BandCell band{cell, travel, AcrossColumns(travel) ? cell.Width() : cell.Height(), 0, 0};
   // B's advance: the product of the integer size and Progress in extended precision, truncated.
-  band.n = TruncToInt32(static_cast<long double>(band.size) * p);
+  band.advance = TruncToInt32(static_cast<long double>(band.size) * p);
   switch (travel) {
-    case Travel::LeftToRight: band.e = BandEnd(cell.x0 + band.n, t, cell.x1, true); break;
-    case Travel::RightToLeft: band.e = BandEnd(cell.x1 - band.n, t, cell.x0, false); break;
-    case Travel::TopToBottom: band.e = BandEnd(cell.y1 - band.n, t, cell.y0, false); break;
-    case Travel::BottomToTop: band.e = BandEnd(cell.y0 + band.n, t, cell.y1, true); break;
+    case Travel::LeftToRight: band.penEnd = StepTowardLimit(cell.x0 + band.advance, t, cell.x1, true); break;
+    case Travel::RightToLeft: band.penEnd = StepTowardLimit(cell.x1 - band.advance, t, cell.x0, false); break;
+    case Travel::TopToBottom: band.penEnd = StepTowardLimit(cell.y1 - band.advance, t, cell.y0, false); break;
+    case Travel::BottomToTop: band.penEnd = StepTowardLimit(cell.y0 + band.advance, t, cell.y1, true); break;
   }
   return band;
 }
 
 void PaintAcrossColumns(const FrameRows& rows, const BandCell& band, const BandRanges& r, ReadShifts s, uint32_t pen) {
   for (int32_t y = band.cell.y0; y < band.cell.y1; ++y) {
-    uint32_t* out = rows.Out(y);
-    CopyRun(out + r.b.begin, rows.B(y) + r.b.begin + s.b, r.b.end - r.b.begin);
+    PixelWord* out = rows.Out(y);
+    CopyRun(out + r.b.begin, rows.B(y) + r.b.begin + s.bShift, r.b.end - r.b.begin);
     FillRun(out + r.pen.begin, pen, r.pen.end - r.pen.begin);
-    CopyRun(out + r.a.begin, rows.A(y) + r.a.begin + s.a, r.a.end - r.a.begin);
+    CopyRun(out + r.a.begin, rows.A(y) + r.a.begin + s.aShift, r.a.end - r.a.begin);
   }
 }
 
 void PaintAcrossRows(const FrameRows& rows, const BandCell& band, const BandRanges& r, ReadShifts s, uint32_t pen) {
   const int32_t x0 = band.cell.x0, w = band.cell.Width();
-  for (int32_t y = r.b.begin; y < r.b.end; ++y) CopyRun(rows.Out(y) + x0, rows.B(y + s.b) + x0, w);
+  for (int32_t y = r.b.begin; y < r.b.end; ++y) CopyRun(rows.Out(y) + x0, rows.B(y + s.bShift) + x0, w);
   for (int32_t y = r.pen.begin; y < r.pen.end; ++y) FillRun(rows.Out(y) + x0, pen, w);
-  for (int32_t y = r.a.begin; y < r.a.end; ++y) CopyRun(rows.Out(y) + x0, rows.A(y + s.a) + x0, w);
+  for (int32_t y = r.a.begin; y < r.a.end; ++y) CopyRun(rows.Out(y) + x0, rows.A(y + s.aShift) + x0, w);
 }
 
 }  // namespace

@@ -31,28 +31,27 @@ inline bool AcrossColumns(Travel travel) { return travel == Travel::LeftToRight 
 // B enters at the cell's lowest column or row index.
 inline bool EntersAtLowEnd(Travel travel) { return travel == Travel::LeftToRight || travel == Travel::BottomToTop; }
 
-// One cell with B's advance n (pixels along the travel, 0..size) and the far
-// end e of the pen band (a column or a row, clipped to the cell).
+// One cell as the band crosses it.
 struct BandCell {
   Cell cell;
   Travel travel;
-  int32_t size;  // the cell's extent along the travel
-  int32_t n;
-  int32_t e;
+  int32_t size;     // the cell's extent along the travel
+  int32_t advance;  // B's advance: pixels along the travel, 0..size
+  int32_t penEnd;   // the far end of the pen band (a column or a row, clipped to the cell)
 };
 
 // Where the B range and the A range read their source: the output column (or
 // row) plus the shift.
 struct ReadShifts {
-  int32_t b = 0;
-  int32_t a = 0;
+  int32_t bShift = 0;
+  int32_t aShift = 0;
 };
 
 using ShiftRule = ReadShifts (*)(const BandCell&);
 
-// B moved in by n pixels instead of uncovered in place (Slide and Push).
+// B moved in by its advance instead of uncovered in place (Slide and Push).
 inline int32_t MovedInShift(const BandCell& band) {
-  return EntersAtLowEnd(band.travel) ? band.size - band.n : band.n - band.size;
+  return EntersAtLowEnd(band.travel) ? band.size - band.advance : band.advance - band.size;
 }
 
 // The whole render of a travelling-band transition; returns the render result.

@@ -37,7 +37,7 @@ class RowBoxMean {
     first_ = first;
     last_ = last;
     slidePossible_ = false;
-    const uint32_t* window[kMaxSide];
+    const PixelWord* window[kMaxSide];
     weight_ = 0;
     for (int32_t i = 0; i < k_; ++i) {
       const int32_t r = std::clamp(y - half_ + i, 0, rows_.height - 1);
@@ -46,8 +46,8 @@ class RowBoxMean {
     }
     if (!Summed()) return;
     if (slide) {
-      const uint32_t* leaving = rows_.Out(y - 1 - half_);
-      const uint32_t* entering = rows_.Out(y + half_);
+      const PixelWord* leaving = rows_.Out(y - 1 - half_);
+      const PixelWord* entering = rows_.Out(y + half_);
       for (int32_t c = first; c <= last; ++c) {
         blueRed_[c] += (entering[c] & 0x00FF00FF) - (leaving[c] & 0x00FF00FF);
         green_[c] += ((entering[c] >> 8) & 0xFF) - ((leaving[c] >> 8) & 0xFF);
@@ -67,7 +67,7 @@ class RowBoxMean {
 
   // Replaces pixel x of the row by the mean around it.
   void Replace(int32_t x) {
-    uint32_t& px = rows_.Out(y_)[x];
+    PixelWord& px = rows_.Out(y_)[x];
     const uint32_t old = px;
     if (!Summed()) {
       px = MeanByPixels(x);
@@ -121,7 +121,7 @@ class RowBoxMean {
   uint32_t MeanByPixels(int32_t x) const {
     uint32_t blueRed = 0, green = 0;
     for (int32_t r = y_ - half_; r <= y_ + half_; ++r) {
-      const uint32_t* row = rows_.Out(std::clamp(r, 0, rows_.height - 1));
+      const PixelWord* row = rows_.Out(std::clamp(r, 0, rows_.height - 1));
       for (int32_t c = x - half_; c <= x + half_; ++c) {
         const uint32_t px = row[std::clamp(c, 0, rows_.width - 1)];
         blueRed += px & 0x00FF00FF;
