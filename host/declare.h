@@ -139,6 +139,17 @@ constexpr FieldSpec TransTypeField(FieldIndex* index) {
       .Default(0);
 }
 
+// The fields every transition declares first: the two inputs and "TransType".
+struct ClipFields {
+  FieldIndex inputA, inputB, transType;
+};
+
+// A transition's field table: the clip fields, then its own in declaration order.
+template <typename... Own>
+constexpr std::array<FieldSpec, 3 + sizeof...(Own)> FieldTable(ClipFields& clip, const Own&... own) {
+  return {InputAField(&clip.inputA), InputBField(&clip.inputB), TransTypeField(&clip.transType), own...};
+}
+
 struct EffectSpec {
   const char* menuPath;      // obj.Name
   const char* signature;     // obj.Sign

@@ -1,13 +1,15 @@
 // The end of every transition module: what the host needs beside the
-// module's own fields and render. A module names itself once,
+// module's own texts, fields and render. A module states its texts first,
 //
-//   KR_TRANSITION(Wipe, kFields, {.menuPath = "Transitions/Wipe/Wipe",
-//                                 .signature = "Wipe (ZE plug-in SDK effect)",
-//                                 .displayName = "Wipe", .description = "..."})
+//   constexpr EffectTexts kTexts{.menuPath = "Transitions/Wipe/Wipe", .signature = "Wipe (ZE plug-in SDK effect)",
+//                                .displayName = "Wipe", .description = "..."};
 //
-// with WipeRender defined in namespace krl before it, and gets WipeInit (the
-// defaults of its field table, in table order) and the exported declaration
-// function KrDeclareWipe. A module that keeps user data uses
+// its fields and WipeRender (in namespace krl), and ends with
+//
+//   KR_TRANSITION(Wipe, kTexts, kFields)
+//
+// which makes WipeInit (the defaults of its field table, in table order) and
+// the exported declaration function KrDeclareWipe. A module that keeps user data uses
 // KR_TRANSITION_WITH_USER_DATA and defines <Name>DeleteUserData as well.
 //
 // Every entry point the host calls goes through HostEntry (host/entry.h),
@@ -32,21 +34,20 @@ struct EffectTexts {
 };
 }  // namespace krl
 
-#define KR_TRANSITION_ENTRIES(Name, fieldTable, deleter, ...)                                              \
+#define KR_TRANSITION_ENTRIES(Name, texts, fieldTable, deleter)                                            \
   namespace krl {                                                                                          \
   namespace {                                                                                              \
   int32_t Name##Init(t_KrRenderInfo* ri) { return InitDefaults(ri, fieldTable); }                          \
-  constexpr EffectTexts k##Name##Texts = __VA_ARGS__;                                                      \
   constexpr EffectSpec k##Name##Effect{                                                                    \
-      .menuPath = k##Name##Texts.menuPath,                                                                 \
-      .signature = k##Name##Texts.signature,                                                               \
-      .displayName = k##Name##Texts.displayName,                                                           \
-      .description = k##Name##Texts.description,                                                           \
+      .menuPath = texts.menuPath,                                                                 \
+      .signature = texts.signature,                                                               \
+      .displayName = texts.displayName,                                                           \
+      .description = texts.description,                                                           \
       .init = HostEntry<Name##Init>,                                                                       \
       .render = HostEntry<Name##Render>,                                                                   \
       .deleteUserData = deleter,                                                                           \
       .fields = fieldTable,                                                                                \
-      .descriptionContext = k##Name##Texts.descriptionContext,                                             \
+      .descriptionContext = texts.descriptionContext,                                             \
   };                                                                                                       \
   }                                                                                                        \
   }                                                                                                        \
@@ -54,9 +55,9 @@ struct EffectTexts {
     return krl::DeclarationEntry(hi, krl::k##Name##Effect);                                                \
   }
 
-#define KR_TRANSITION(Name, fieldTable, ...) KR_TRANSITION_ENTRIES(Name, fieldTable, nullptr, __VA_ARGS__)
-#define KR_TRANSITION_WITH_USER_DATA(Name, fieldTable, ...) \
-  KR_TRANSITION_ENTRIES(Name, fieldTable, HostEntry<Name##DeleteUserData>, __VA_ARGS__)
+#define KR_TRANSITION(Name, texts, fieldTable) KR_TRANSITION_ENTRIES(Name, texts, fieldTable, nullptr)
+#define KR_TRANSITION_WITH_USER_DATA(Name, texts, fieldTable) \
+  KR_TRANSITION_ENTRIES(Name, texts, fieldTable, HostEntry<Name##DeleteUserData>)
 
 // What the tests need to know of a transition, on one line of its module:
 //

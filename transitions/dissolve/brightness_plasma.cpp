@@ -10,17 +10,17 @@
 namespace krl {
 namespace {
 
-FieldIndex inputA, inputB, transType, darkToLight, cutA;
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Dissolve/Brightness Plasma", .signature = "Brightness Plasma (ZE plug-in SDK effect)",
+                             .displayName = "Brightness Plasma", .description = "Va is cut by a brightness threshold to reveal Vb."};
 
-constexpr FieldSpec kFields[] = {
-    InputAField(&inputA),
-    InputBField(&inputB),
-    TransTypeField(&transType),
+ClipFields clip;
+FieldIndex darkToLight, cutA;
+
+constexpr auto kFields = FieldTable(clip,
     Bool(&darkToLight, "DARK2LIGHT", "Dark to Light")
         .Help("Specifies whether the clips changing process proceeds from dark to light or vice versa.")
         .Default(1),
-    Bool(&cutA, "VA_CUT", "Cut Va").Help("Choose here to depend on the brightness of Va or Vb.").Default(1),
-};
+    Bool(&cutA, "VA_CUT", "Cut Va").Help("Choose here to depend on the brightness of Va or Vb.").Default(1));
 
 constexpr int32_t kBrightest = 25500;
 
@@ -37,7 +37,7 @@ void Cut(t_KrRenderInfo* ri, size_t pixels, const uint8_t* judged, KeepA keepA) 
 }
 
 int32_t BrightnessPlasmaRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   const HostCalls host(ri);
   const bool fromDark = host.Field(darkToLight) != 0;
   const bool judgeA = host.Field(cutA) != 0;
@@ -62,7 +62,5 @@ int32_t BrightnessPlasmaRender(t_KrRenderInfo* ri) {
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(BrightnessPlasma, kFields,
-              {.menuPath = "Transitions/Dissolve/Brightness Plasma", .signature = "Brightness Plasma (ZE plug-in SDK effect)",
-               .displayName = "Brightness Plasma", .description = "Va is cut by a brightness threshold to reveal Vb."})
+KR_TRANSITION(BrightnessPlasma, kTexts, kFields)
 KR_TEST_PROFILE("Brightness Plasma", .heavier = {"VA_CUT=off", "DARK2LIGHT=off"})

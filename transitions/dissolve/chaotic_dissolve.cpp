@@ -13,14 +13,14 @@
 namespace krl {
 namespace {
 
-FieldIndex inputA, inputB, transType, color;
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Dissolve/Chaotic Dissolve", .signature = "Chaotic Dissolve (ZE plug-in SDK effect)",
+                             .displayName = "Chaotic Dissolve", .description = "Va blows up to chaotic pixels showing Vb."};
 
-constexpr FieldSpec kFields[] = {
-    InputAField(&inputA),
-    InputBField(&inputB),
-    TransTypeField(&transType),
-    Color(&color, "Color", "Background Color").Help("Defines the background color.").DefaultColor(155, 155, 155),
-};
+ClipFields clip;
+FieldIndex color;
+
+constexpr auto kFields = FieldTable(clip,
+    Color(&color, "Color", "Background Color").Help("Defines the background color.").DefaultColor(155, 155, 155));
 
 // A linear congruential generator whose draws in [0, 1) are formed from the
 // low 23 bits of the state as the mantissa of a float in [1, 2), minus 1.
@@ -52,7 +52,7 @@ class ByteFade {
 };
 
 int32_t ChaoticDissolveRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   const size_t pixels = FramePixelCount(ri);
   if (pixels == 0) return 1;
   FillPixels(ri->Output, pixels, HostCalls(ri).PenColor(color));
@@ -88,7 +88,5 @@ int32_t ChaoticDissolveRender(t_KrRenderInfo* ri) {
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(ChaoticDissolve, kFields,
-              {.menuPath = "Transitions/Dissolve/Chaotic Dissolve", .signature = "Chaotic Dissolve (ZE plug-in SDK effect)",
-               .displayName = "Chaotic Dissolve", .description = "Va blows up to chaotic pixels showing Vb."})
+KR_TRANSITION(ChaoticDissolve, kTexts, kFields)
 KR_TEST_PROFILE("Chaotic Dissolve", .heavier = {"Color=#FF2000"})

@@ -11,9 +11,12 @@
 namespace krl {
 namespace {
 
-FieldIndex inputA, inputB, transType;
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Dissolve/Dither Dissolve", .signature = "Dither Dissolve (ZE plug-in SDK effect)",
+                             .displayName = "Dither Dissolve", .description = "Va dithers to Vb."};
 
-constexpr FieldSpec kFields[] = {InputAField(&inputA), InputBField(&inputB), TransTypeField(&transType)};
+ClipFields clip;
+
+constexpr auto kFields = FieldTable(clip);
 
 constexpr int kCell = 9;
 constexpr int kPositions = kCell * kCell;
@@ -42,7 +45,7 @@ constexpr std::array<int32_t, kPositions> kRoundOf = [] {
 }();
 
 int32_t DitherDissolveRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   if (FramePixelCount(ri) == 0) return 1;
   // One round more than 81 x Progress: at Progress 1 that is 82, and the
   // round past the table copies nothing. A negative count leaves all to A.
@@ -67,7 +70,5 @@ int32_t DitherDissolveRender(t_KrRenderInfo* ri) {
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(DitherDissolve, kFields,
-              {.menuPath = "Transitions/Dissolve/Dither Dissolve", .signature = "Dither Dissolve (ZE plug-in SDK effect)",
-               .displayName = "Dither Dissolve", .description = "Va dithers to Vb."})
+KR_TRANSITION(DitherDissolve, kTexts, kFields)
 KR_TEST_PROFILE("Dither Dissolve")

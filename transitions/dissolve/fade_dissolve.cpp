@@ -9,16 +9,16 @@
 namespace krl {
 namespace {
 
-FieldIndex inputA, inputB, transType, progression;
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Dissolve/Traditional Fade", .signature = "Traditional Fade (ZE plug-in SDK effect)",
+                             .displayName = "Traditional Fade", .description = "Va fades over to Vb."};
 
-constexpr FieldSpec kFields[] = {
-    InputAField(&inputA),
-    InputBField(&inputB),
-    TransTypeField(&transType),
+ClipFields clip;
+FieldIndex progression;
+
+constexpr auto kFields = FieldTable(clip,
     Alpha(&progression, "Progression", "Progression")
         .Help("Allows to adjust the fade's progression.")
-        .DefaultCurve({{0.0, 0.0}, {0.5, 0.5}, {1.0, 1.0}}),
-};
+        .DefaultCurve({{0.0, 0.0}, {0.5, 0.5}, {1.0, 1.0}}));
 
 // out = ((a - b) * weightA + b * 256) >> 8 on every byte, alpha included, in
 // wrapping 32-bit unsigned arithmetic: curve values outside 0..1 give weights
@@ -42,7 +42,7 @@ void MixBytes(const uint8_t* a, const uint8_t* b, uint8_t* out, size_t count, ui
 }
 
 int32_t FadeDissolveRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   const double p = HostCalls(ri).Curve(progression);
   const uint32_t weightA = 256u - static_cast<uint32_t>(TruncToInt32(p * 256.0));
   MixBytes(ri->InputA, ri->InputB, ri->Output, FrameByteCount(ri), weightA);
@@ -52,7 +52,5 @@ int32_t FadeDissolveRender(t_KrRenderInfo* ri) {
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(FadeDissolve, kFields,
-              {.menuPath = "Transitions/Dissolve/Traditional Fade", .signature = "Traditional Fade (ZE plug-in SDK effect)",
-               .displayName = "Traditional Fade", .description = "Va fades over to Vb."})
+KR_TRANSITION(FadeDissolve, kTexts, kFields)
 KR_TEST_PROFILE("Traditional Fade", .heavier = {"Progression=0.999"})

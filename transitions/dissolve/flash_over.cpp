@@ -9,17 +9,17 @@
 namespace krl {
 namespace {
 
-FieldIndex inputA, inputB, transType, variation;
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Special/Flash Over", .signature = "Flash Over (ZE plug-in SDK effect)",
+                             .displayName = "Flash Over", .description = "Vb flashes in front of Va."};
 
-constexpr FieldSpec kFields[] = {
-    InputAField(&inputA),
-    InputBField(&inputB),
-    TransTypeField(&transType),
+ClipFields clip;
+FieldIndex variation;
+
+constexpr auto kFields = FieldTable(clip,
     Long(&variation, "Variation", "Variation (1..8)", 1.0, 8.0)
         .Limits()
         .Help("Offers different types of flash overs.")
-        .Default(4),
-};
+        .Default(4));
 
 constexpr int32_t kTimeUnits = 10000;  // the whole transition
 
@@ -59,7 +59,7 @@ bool ShowsB(int32_t k, FlashSchedule schedule) {
 }
 
 int32_t FlashOverRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   const FlashSchedule schedule = ScheduleOf(HostCalls(ri).Field(variation));
   const int32_t k = TruncToInt32(kTimeUnits * ri->Progress);
   CopyPixels(ri->Output, ShowsB(k, schedule) ? ri->InputB : ri->InputA, 0, FramePixelCount(ri));
@@ -69,7 +69,5 @@ int32_t FlashOverRender(t_KrRenderInfo* ri) {
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(FlashOver, kFields,
-              {.menuPath = "Transitions/Special/Flash Over", .signature = "Flash Over (ZE plug-in SDK effect)",
-               .displayName = "Flash Over", .description = "Vb flashes in front of Va."})
+KR_TRANSITION(FlashOver, kTexts, kFields)
 KR_TEST_PROFILE("Flash Over", .heavier = {"Variation=5"})

@@ -13,9 +13,12 @@
 namespace krl {
 namespace {
 
-FieldIndex inputA, inputB, transType;
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Dissolve/Mosaic", .signature = "Mosaic (ZE plug-in SDK effect)",
+                             .displayName = "Mosaic", .description = "Vb becomes visible like a mosaic."};
 
-constexpr FieldSpec kFields[] = {InputAField(&inputA), InputBField(&inputB), TransTypeField(&transType)};
+ClipFields clip;
+
+constexpr auto kFields = FieldTable(clip);
 
 constexpr int32_t kTilesPerSide = 10;
 constexpr int32_t kTiles = kTilesPerSide * kTilesPerSide;
@@ -113,7 +116,7 @@ const uint8_t* SourceOf(const t_KrRenderInfo* ri, uint32_t rows, uint32_t column
 }
 
 int32_t MosaicRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   if (FramePixelCount(ri) == 0) return 1;
   const int64_t turns = int64_t{TruncToInt32(100.0 * ri->Progress)} + 1;
   const AxisRuns rows = LastPassTiles(ri->Height);
@@ -136,7 +139,5 @@ int32_t MosaicRender(t_KrRenderInfo* ri) {
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(Mosaic, kFields,
-              {.menuPath = "Transitions/Dissolve/Mosaic", .signature = "Mosaic (ZE plug-in SDK effect)",
-               .displayName = "Mosaic", .description = "Vb becomes visible like a mosaic."})
+KR_TRANSITION(Mosaic, kTexts, kFields)
 KR_TEST_PROFILE("Mosaic")

@@ -13,9 +13,12 @@
 namespace krl {
 namespace {
 
-FieldIndex inputA, inputB, transType;
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Dissolve/Random Dissolve", .signature = "Random Dissolve (ZE plug-in SDK effect)",
+                             .displayName = "Random Dissolve", .description = "Va dithers randomly to Vb."};
 
-constexpr FieldSpec kFields[] = {InputAField(&inputA), InputBField(&inputB), TransTypeField(&transType)};
+ClipFields clip;
+
+constexpr auto kFields = FieldTable(clip);
 
 constexpr int32_t kCell = 4;
 constexpr int32_t kPositions = kCell * kCell;
@@ -29,7 +32,7 @@ constexpr int32_t kOrders[3][kPositions] = {
 };
 
 int32_t RandomDissolveRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   const size_t pixels = FramePixelCount(ri);
   if (pixels == 0) return 1;
   const double progress = ri->Progress;
@@ -65,7 +68,5 @@ int32_t RandomDissolveRender(t_KrRenderInfo* ri) {
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(RandomDissolve, kFields,
-              {.menuPath = "Transitions/Dissolve/Random Dissolve", .signature = "Random Dissolve (ZE plug-in SDK effect)",
-               .displayName = "Random Dissolve", .description = "Va dithers randomly to Vb."})
+KR_TRANSITION(RandomDissolve, kTexts, kFields)
 KR_TEST_PROFILE("Random Dissolve", .sharedState = true)

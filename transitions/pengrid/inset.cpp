@@ -8,6 +8,9 @@
 namespace krl {
 namespace {
 
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Slide/Inset", .signature = "Inset (ZE plug-in SDK effect)",
+                             .displayName = "Inset", .description = "Vb slides over Va from one corner."};
+
 PenGridFields fields;
 
 constexpr SelectorItem kCornerItems[] = {{"Top Left", 0}, {"Top Right", 1}, {"Bottom Left", 2}, {"Bottom Right", 3}};
@@ -105,7 +108,5 @@ int32_t InsetRender(t_KrRenderInfo* ri) {
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(Inset, kFields,
-              {.menuPath = "Transitions/Slide/Inset", .signature = "Inset (ZE plug-in SDK effect)",
-               .displayName = "Inset", .description = "Vb slides over Va from one corner."})
+KR_TRANSITION(Inset, kTexts, kFields)
 KR_TEST_PROFILE("Inset", .heavier = {"Divide_X=3", "Divide_Y=2", "BorderWidth=5", "Color=#FF2000", "Direction=3"})

@@ -7,6 +7,9 @@
 namespace krl {
 namespace {
 
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Iris/Iris Cross", .signature = "Iris Cross (ZE plug-in SDK effect)",
+                             .displayName = "Iris Cross", .description = "Va opens like a cross iris showing Vb."};
+
 PenGridFields fields;
 
 constexpr auto kFields = PenGridFieldTable(fields, kIrisDirectionHelp, kIrisItems);
@@ -67,7 +70,5 @@ int32_t IrisCrossRender(t_KrRenderInfo* ri) { return RenderIris<CrossShape>(ri, 
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(IrisCross, kFields,
-              {.menuPath = "Transitions/Iris/Iris Cross", .signature = "Iris Cross (ZE plug-in SDK effect)",
-               .displayName = "Iris Cross", .description = "Va opens like a cross iris showing Vb."})
+KR_TRANSITION(IrisCross, kTexts, kFields)
 KR_TEST_PROFILE("Iris Cross", .heavier = {"Divide_X=4", "Divide_Y=3", "BorderWidth=4", "Color=#FF2000"})

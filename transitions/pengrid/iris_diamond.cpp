@@ -8,6 +8,9 @@
 namespace krl {
 namespace {
 
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Iris/Iris Diamond", .signature = "Iris Diamond (ZE plug-in SDK effect)",
+                             .displayName = "Iris Diamond", .description = "Va opens like a diamond iris showing Vb."};
+
 PenGridFields fields;
 
 constexpr auto kFields = PenGridFieldTable(fields, kIrisDirectionHelp, kIrisItems);
@@ -47,7 +50,5 @@ int32_t IrisDiamondRender(t_KrRenderInfo* ri) { return RenderIris<DiamondShape>(
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(IrisDiamond, kFields,
-              {.menuPath = "Transitions/Iris/Iris Diamond", .signature = "Iris Diamond (ZE plug-in SDK effect)",
-               .displayName = "Iris Diamond", .description = "Va opens like a diamond iris showing Vb."})
+KR_TRANSITION(IrisDiamond, kTexts, kFields)
 KR_TEST_PROFILE("Iris Diamond", .heavier = {"Divide_X=2", "Divide_Y=2", "BorderWidth=6", "Color=#FF2000"})

@@ -8,6 +8,9 @@
 namespace krl {
 namespace {
 
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Iris/Iris Round", .signature = "Iris Round (ZE plug-in SDK effect)",
+                             .displayName = "Iris Round", .description = "Va opens like a round iris showing Vb."};
+
 PenGridFields fields;
 FieldIndex antiAliasing;
 
@@ -153,7 +156,5 @@ int32_t IrisRoundRender(t_KrRenderInfo* ri) {
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(IrisRound, kFields,
-              {.menuPath = "Transitions/Iris/Iris Round", .signature = "Iris Round (ZE plug-in SDK effect)",
-               .displayName = "Iris Round", .description = "Va opens like a round iris showing Vb."})
+KR_TRANSITION(IrisRound, kTexts, kFields)
 KR_TEST_PROFILE("Iris Round", .heavier = {"Divide_X=3", "Divide_Y=2", "BorderWidth=4", "Color=#FF2000", "Anti-Aliasing=on"})

@@ -6,6 +6,9 @@
 namespace krl {
 namespace {
 
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Iris/Iris Squared", .signature = "Iris Squared (ZE plug-in SDK effect)",
+                             .displayName = "Iris Squared", .description = "Va opens like a squared iris showing Vb."};
+
 PenGridFields fields;
 
 constexpr auto kFields = PenGridFieldTable(fields, kIrisDirectionHelp, kIrisItems);
@@ -41,7 +44,5 @@ int32_t IrisSquaredRender(t_KrRenderInfo* ri) { return RenderIris<SquaredShape>(
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(IrisSquared, kFields,
-              {.menuPath = "Transitions/Iris/Iris Squared", .signature = "Iris Squared (ZE plug-in SDK effect)",
-               .displayName = "Iris Squared", .description = "Va opens like a squared iris showing Vb."})
+KR_TRANSITION(IrisSquared, kTexts, kFields)
 KR_TEST_PROFILE("Iris Squared", .heavier = {"Divide_X=3", "Divide_Y=3", "BorderWidth=4", "Color=#FF2000", "Direction=1"})

@@ -10,6 +10,9 @@
 namespace krl {
 namespace {
 
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Iris/Iris Star", .signature = "Iris Star (ZE plug-in SDK effect)",
+                             .displayName = "Iris Star", .description = "Va opens like a star-shaped iris showing Vb."};
+
 PenGridFields fields;
 FieldIndex smoothingFactor;
 
@@ -125,7 +128,5 @@ int32_t IrisStarRender(t_KrRenderInfo* ri) {
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(IrisStar, kFields,
-              {.menuPath = "Transitions/Iris/Iris Star", .signature = "Iris Star (ZE plug-in SDK effect)",
-               .displayName = "Iris Star", .description = "Va opens like a star-shaped iris showing Vb."})
+KR_TRANSITION(IrisStar, kTexts, kFields)
 KR_TEST_PROFILE("Iris Star", .heavier = {"Divide_X=2", "Divide_Y=2", "BorderWidth=4", "Color=#FF2000", "SmoothingFactor=Large"})

@@ -6,6 +6,9 @@
 namespace krl {
 namespace {
 
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Push/Push", .signature = "Push (ZE plug-in SDK effect)",
+                             .displayName = "Push", .description = "Va is pushed aside by Vb."};
+
 PenGridFields fields;
 
 constexpr auto kFields =
@@ -30,7 +33,5 @@ int32_t PushRender(t_KrRenderInfo* ri) { return RenderTravelBand(ri, fields, Pus
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(Push, kFields,
-              {.menuPath = "Transitions/Push/Push", .signature = "Push (ZE plug-in SDK effect)",
-               .displayName = "Push", .description = "Va is pushed aside by Vb."})
+KR_TRANSITION(Push, kTexts, kFields)
 KR_TEST_PROFILE("Push", .heavier = {"Divide_X=4", "BorderWidth=6", "Color=#FF2000"})

@@ -6,6 +6,9 @@
 namespace krl {
 namespace {
 
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Slide/Slide", .signature = "Slide (ZE plug-in SDK effect)",
+                             .displayName = "Slide", .description = "Vb slides into Va from one side."};
+
 PenGridFields fields;
 
 constexpr auto kFields =
@@ -19,7 +22,5 @@ int32_t SlideRender(t_KrRenderInfo* ri) { return RenderTravelBand(ri, fields, Sl
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(Slide, kFields,
-              {.menuPath = "Transitions/Slide/Slide", .signature = "Slide (ZE plug-in SDK effect)",
-               .displayName = "Slide", .description = "Vb slides into Va from one side."})
+KR_TRANSITION(Slide, kTexts, kFields)
 KR_TEST_PROFILE("Slide", .heavier = {"Direction=3", "Divide_Y=3", "BorderWidth=6", "Color=#FF2000"})

@@ -6,6 +6,9 @@
 namespace krl {
 namespace {
 
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Wipe/Wipe", .signature = "Wipe (ZE plug-in SDK effect)",
+                             .displayName = "Wipe", .description = "Va is wiped out while Vb becomes visible."};
+
 PenGridFields fields;
 
 constexpr auto kFields =
@@ -19,7 +22,5 @@ int32_t WipeRender(t_KrRenderInfo* ri) { return RenderTravelBand(ri, fields, InP
 }  // namespace
 }  // namespace krl
 
-KR_TRANSITION(Wipe, kFields,
-              {.menuPath = "Transitions/Wipe/Wipe", .signature = "Wipe (ZE plug-in SDK effect)",
-               .displayName = "Wipe", .description = "Va is wiped out while Vb becomes visible."})
+KR_TRANSITION(Wipe, kTexts, kFields)
 KR_TEST_PROFILE("Wipe", .heavier = {"Divide_X=4", "BorderWidth=6", "Color=#FF2000", "Direction=1"})
