@@ -11,7 +11,9 @@
 // texts give its display name where that differs from Name.
 #define KR_EFFECTS(X) \
   X(BrightnessPlasma)  \
+  X(CenterZoom)        \
   X(ChaoticDissolve)   \
+  X(CornerZoom)        \
   X(DitherDissolve)    \
   X(FadeDissolve) /* "Traditional Fade" */ \
   X(FlashOver)         \
@@ -25,7 +27,8 @@
   X(Push)              \
   X(RandomDissolve)    \
   X(Slide)             \
-  X(Wipe)
+  X(Wipe)              \
+  X(ZoomOut)
 
 #define KR_DECLARE_PROTOTYPE(name) KR_EXPORT int32_t KrDeclare##name(t_KrHostInfo* hi);
 KR_EFFECTS(KR_DECLARE_PROTOTYPE)

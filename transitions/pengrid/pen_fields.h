@@ -36,12 +36,22 @@ constexpr FieldSpec PenThicknessField(FieldIndex* index) {
       .Default(0);
 }
 
-// "Direction": the transition's own help and items, the first item the default.
-constexpr FieldSpec DirectionField(FieldIndex* index, const char* help, std::span<const SelectorItem> items) {
-  FieldSpec f = Selector(index, "Direction", "Direction", {});
+// A selector whose items are a shared list, the first item the default.
+constexpr FieldSpec SelectorOf(FieldIndex* index, const char* key, const char* label, const char* help,
+                               std::span<const SelectorItem> items) {
+  FieldSpec f = Selector(index, key, label, {});
   for (const SelectorItem& item : items) f.items[f.itemCount++] = item;
   return f.Help(help).Default(0);
 }
+
+// "Direction": the transition's own help and items.
+constexpr FieldSpec DirectionField(FieldIndex* index, const char* help, std::span<const SelectorItem> items) {
+  return SelectorOf(index, "Direction", "Direction", help, items);
+}
+
+// The corners Inset and Corner Zoom start from.
+inline constexpr SelectorItem kCornerItems[] = {
+    {"Top Left", 0}, {"Top Right", 1}, {"Bottom Left", 2}, {"Bottom Right", 3}};
 
 // The host's indices of the shared fields of one transition.
 struct PenGridFields {

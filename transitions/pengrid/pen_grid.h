@@ -55,6 +55,22 @@ inline int32_t NominalCellSize(int32_t side, int32_t divisions) {
   return TruncToInt32(static_cast<long double>(side) / divisions);
 }
 
+// A corner of kCornerItems; "Top" is the end with the highest row indices.
+struct Corner {
+  bool left;
+  bool top;
+};
+
+// Any value but 1, 2 and 3 is Top Left.
+inline Corner DecodeCorner(int32_t value) {
+  switch (value) {
+    case 1: return {false, true};
+    case 2: return {true, false};
+    case 3: return {false, false};
+    default: return {true, true};
+  }
+}
+
 struct Cell {
   int32_t x0, x1, y0, y1;  // first column and row, one past the last
   int32_t Width() const { return x1 - x0; }
