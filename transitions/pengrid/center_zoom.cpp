@@ -13,37 +13,31 @@ namespace {
 constexpr EffectTexts kTexts{.menuPath = "Transitions/Zoom/Center Zoom", .signature = "Center Zoom (ZE plug-in SDK effect)",
                              .displayName = "Center Zoom", .description = "Zooms Vb out of the center of Va."};
 
-ClipFields clip;
-FieldIndex zoomType, color, borderWidth;
+ZoomFields fields;
 
-constexpr auto kFields = FieldTable(clip, ZoomTypeField(&zoomType), ZoomPenColorField(&color, "Color"),
-                                    ZoomPenThicknessField(&borderWidth));
+constexpr auto kFields = ZoomFieldTable(fields, "Color");
 
 int32_t CenterZoomRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, clip.transType)) return 0;
-  const HostCalls host(ri);
-  const bool zoomOut = host.Field(zoomType) != 0;
-  const uint32_t pen = host.PenColor(color);
-  const int64_t bw = host.Field(borderWidth);
+  if (!BeginRender(ri, fields.clip.transType)) return 0;
+  const ZoomReads reads = ReadZoom(HostCalls(ri), fields);
   if (!DrawableFrame(ri)) return 1;
 
   const FrameRows rows = FrameRows::Of(ri);
   const double p = ShapeProgress(ri->Progress);
-  const double t = zoomOut ? 1.0 - p : p;  // the rectangle's size relative to the frame
+  const double t = reads.zoomOut ? 1.0 - p : p;  // the rectangle's size relative to the frame
   const double inv = t > 0 ? 1.0 / t : 0.0;  // with t = 0 the rectangle is empty and nothing is sampled
   const int32_t y0 = TruncToInt32(rows.height * (1.0 - t) * 0.5), y1 = y0 + TruncToInt32(rows.height * t);
   const int32_t x0 = TruncToInt32(0.5 * rows.width * (1.0 - t)), x1 = x0 + TruncToInt32(rows.width * t);
   // "Zoom In" includes the lower bounds; "Zoom Out" leaves the rectangle's
   // first row and column to the pen (or, without one, to the surround).
-  const int64_t first = zoomOut ? 1 : 0;
+  const int64_t first = reads.zoomOut ? 1 : 0, bw = reads.borderWidth;
   const ZoomLayout layout{.penColumns = {x0 - bw + first, x1 + bw},
                           .penRows = {y0 - bw + first, y1 + bw},
                           .pictureColumns = {x0 + first, x1},
                           .pictureRows = {y0 + first, y1},
                           .anchorX = x0,
                           .anchorY = y0};
-  PaintFramedPicture(rows, zoomOut ? rows.inputB : rows.inputA, zoomOut ? rows.inputA : rows.inputB, pen, layout,
-                     [inv](int32_t offset) { return TruncToInt32(offset * inv); });
+  PaintZoom(rows, reads, layout, [inv](int32_t offset) { return TruncToInt32(offset * inv); });
   return 1;
 }
 

@@ -17,32 +17,30 @@ constexpr EffectTexts kTexts{.menuPath = "Transitions/Zoom/Corner Zoom", .signat
                              .displayName = "Corner Zoom", .description = "Vb zooms out of a corner of Va.",
                              .descriptionContext = "Clock"};
 
-ClipFields clip;
-FieldIndex zoomType, color, borderWidth, corner;
+ZoomFields fields;
+FieldIndex corner;
 
 // The colour's key is the display name, not "Color": the host stores the
 // value under it.
-constexpr auto kFields = FieldTable(clip, ZoomTypeField(&zoomType), ZoomPenColorField(&color, "Corner Zoom"),
-                                    ZoomPenThicknessField(&borderWidth),
-                                    SelectorOf(&corner, "Corner", "Corner",
-                                               "Specifies the transition's starting point .", kCornerItems));
+constexpr auto kFields = ZoomFieldTable(fields, "Corner Zoom",
+                                        SelectorOf(&corner, "Corner", "Corner",
+                                                   "Specifies the transition's starting point .", kCornerItems));
 
 // The init sets Corner before the colour and the thickness.
 constexpr FieldSpec kInitOrder[] = {kFields[2], kFields[3], kFields[6], kFields[4], kFields[5]};
 
 int32_t CornerZoomRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, clip.transType)) return 0;
+  if (!BeginRender(ri, fields.clip.transType)) return 0;
   const HostCalls host(ri);
-  const bool zoomOut = host.Field(zoomType) != 0;
-  const uint32_t pen = host.PenColor(color);
-  const int32_t b = host.Field(borderWidth);
+  const ZoomReads reads = ReadZoom(host, fields);
   const Corner from = DecodeCorner(host.Field(corner));
   if (!DrawableFrame(ri)) return 1;
 
   const FrameRows rows = FrameRows::Of(ri);
-  const int64_t t = b >= 1 ? int64_t{b} + 1 : 0;  // a pen is one pixel thicker than its field says
+  // The pen is one pixel thicker than its field says; 0 or less draws none.
+  const int64_t t = reads.borderWidth >= 1 ? int64_t{reads.borderWidth} + 1 : 0;
   double p = ShapeProgress(ri->Progress);
-  if (zoomOut) p = 1.0 - p;
+  if (reads.zoomOut) p = 1.0 - p;
   const double k = p > 0 ? 1.0 / p : 0.0;
   // Sizes from extended products, truncated.
   const long double shown = p, hidden = 1.0L - shown;
@@ -55,9 +53,7 @@ int32_t CornerZoomRender(t_KrRenderInfo* ri) {
                           .pictureRows = rowSpan,
                           .anchorX = static_cast<int32_t>(columns.begin),
                           .anchorY = static_cast<int32_t>(rowSpan.begin)};
-  const bool zoomIn = !zoomOut;
-  PaintFramedPicture(rows, zoomIn ? rows.inputA : rows.inputB, zoomIn ? rows.inputB : rows.inputA, pen, layout,
-                     [k](int32_t offset) { return TruncToInt32(static_cast<long double>(offset) * k); });
+  PaintZoom(rows, reads, layout, [k](int32_t offset) { return TruncToInt32(static_cast<long double>(offset) * k); });
   return 1;
 }
 

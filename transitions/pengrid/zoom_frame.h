@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "host/declare.h"
+#include "host/host_calls.h"
 #include "raster/pixel_rows.h"
 #include "raster/resample.h"
 
@@ -28,6 +29,36 @@ constexpr FieldSpec ZoomPenThicknessField(FieldIndex* index) {
       .Limits()
       .Help("Specifies the thickness of the pen.")
       .Default(0);
+}
+
+// The fields Center Zoom and Corner Zoom share, in declaration order.
+struct ZoomFields {
+  ClipFields clip;
+  FieldIndex zoomType, color, borderWidth;
+};
+
+// The clip fields, "ZoomType", the pen colour under `colorKey`, the pen
+// thickness, then the transition's own.
+template <typename... Own>
+constexpr auto ZoomFieldTable(ZoomFields& f, const char* colorKey, const Own&... own) {
+  return FieldTable(f.clip, ZoomTypeField(&f.zoomType), ZoomPenColorField(&f.color, colorKey),
+                    ZoomPenThicknessField(&f.borderWidth), own...);
+}
+
+// "ZoomType", the pen (at Progress, always opaque) and BorderWidth, read in
+// this order and as the host gives them.
+struct ZoomReads {
+  bool zoomOut;  // any value but 0
+  uint32_t pen;
+  int32_t borderWidth;
+};
+
+inline ZoomReads ReadZoom(const HostCalls& host, const ZoomFields& f) {
+  ZoomReads r{};
+  r.zoomOut = host.Field(f.zoomType) != 0;
+  r.pen = host.PenColor(f.color);
+  r.borderWidth = host.Field(f.borderWidth);
+  return r;
 }
 
 // Columns or rows [begin, end), in 64 bits so that any pen thickness may
@@ -63,11 +94,14 @@ inline Span Within(Span64 s, int32_t low, int32_t high) {
 // Writes every output pixel: in the picture rectangle (as far as it lies in
 // the pen box) the picture at (sample(x - anchorX), sample(y - anchorY)), in
 // the rest of the pen box the pen, elsewhere the background in place. Both
-// boxes are held to the frame.
+// boxes are held to the frame. Zooming in, the picture is B over A; zooming
+// out, A over B.
 template <typename Sample>
-void PaintFramedPicture(const FrameRows& rows, const PixelWord* background, const PixelWord* picture, uint32_t pen,
-                        const ZoomLayout& layout, Sample sample) {
+void PaintZoom(const FrameRows& rows, const ZoomReads& reads, const ZoomLayout& layout, Sample sample) {
   using zoom_detail::Within;
+  const PixelWord* background = reads.zoomOut ? rows.inputB : rows.inputA;
+  const PixelWord* picture = reads.zoomOut ? rows.inputA : rows.inputB;
+  const uint32_t pen = reads.pen;
   const int32_t w = rows.width, h = rows.height;
   const zoom_detail::Span penX = Within(layout.penColumns, 0, w), penY = Within(layout.penRows, 0, h);
   const zoom_detail::Span picX = Within(layout.pictureColumns, penX.begin, penX.end);
