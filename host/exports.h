@@ -9,6 +9,7 @@
 #define KR_EFFECTS(X) \
   X(BrightnessPlasma)  \
   X(ChaoticDissolve)   \
+  X(CrossSplit)        \
   X(DitherDissolve)    \
   X(FadeDissolve)      \
   X(FlashOver)         \
@@ -22,6 +23,7 @@
   X(Push)              \
   X(RandomDissolve)    \
   X(Slide)             \
+  X(SlidingDoors)      \
   X(Wipe)
 
 #define KR_DECLARE_PROTOTYPE(name) KR_EXPORT int32_t KrDeclare##name(t_KrHostInfo* hi);
