@@ -3,7 +3,6 @@
 // inside the frame, and Progress beyond the ends draws as the end itself.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -19,8 +18,8 @@ TEST_P(DoorMember, OutOfRangeValuesDrawOnlyClipsAndPen) {
   for (const double progress : {nan, inf, -inf, -2.0, 7.0, 0.37}) {
     for (const int32_t width : {INT32_MIN, -7, 11, INT32_MAX}) {
       for (const int32_t direction : {0, 1, -1}) {
-        const emu::Frame out = RenderCoded(GetParam(), 41, 31, progress,
-                                           {{"BorderWidth", width}, {"Divide_X", 3}, {"Divide_Y", 2}, {"Direction", direction}});
+        const FieldValues values = {{"BorderWidth", width}, {"Divide_X", 3}, {"Divide_Y", 2}, {"Direction", direction}};
+        const emu::Frame out = RenderCoded(GetParam(), 41, 31, progress, values);
         // 41 / 3 and 31 / 2 leave column 39..40 and row 30 beyond the whole cells.
         for (int32_t y = 0; y < 30; ++y) {
           const std::string runs = RowRuns(out, y);
@@ -44,12 +43,7 @@ TEST_P(DoorMember, DivisionsBelowOneOrLargerThanTheFrameDrawNothing) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Doors, DoorMember, testing::Values("Cross Split", "Sliding Doors"),
-                         [](const testing::TestParamInfo<std::string>& member) {
-                           std::string name = member.param;
-                           name.erase(std::remove(name.begin(), name.end(), ' '), name.end());
-                           return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Doors, DoorMember, testing::Values("Cross Split", "Sliding Doors"), NameOfMember);
 
 }  // namespace
 }  // namespace krl::test
