@@ -7,8 +7,13 @@
 // The declaration functions of the effects that exist, in the order KrDeclare
 // calls them; each new transition adds its row at its place in that order.
 #define KR_EFFECTS(X) \
+  X(BandPush)          \
+  X(BandSlide)         \
+  X(BandWipe)          \
   X(BrightnessPlasma)  \
+  X(Builder)           \
   X(ChaoticDissolve)   \
+  X(ChessWipe)         \
   X(DitherDissolve)    \
   X(FadeDissolve)      \
   X(FlashOver)         \

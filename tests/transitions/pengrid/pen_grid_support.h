@@ -107,11 +107,12 @@ inline std::string ColumnReads(const emu::Frame& f, int32_t x) { return Reads(f,
 using FieldValues = std::vector<std::pair<std::string, int32_t>>;
 
 // One render of a coded A and B into an output that starts as kUntouched,
-// with the pen colour kPenFromHost and the given field values.
+// with the pen colour kPenFromHost (where there is a pen) and the given field
+// values.
 inline emu::Frame RenderCoded(const std::string& effect, int32_t w, int32_t h, double progress,
                               const FieldValues& values = {}) {
   emu::Instance instance(Library(), Effect(Library(), effect));
-  instance.SetColor("Color", kPenFromHost);
+  if (Effect(Library(), effect).Field("Color") != nullptr) instance.SetColor("Color", kPenFromHost);
   for (const auto& [key, value] : values) instance.SetValue(key, value);
   emu::Frame out(w, h, kUntouched);
   EXPECT_EQ(instance.Render(Coded(w, h, kTagA), Coded(w, h, kTagB), out, progress), 1);
