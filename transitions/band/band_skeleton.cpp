@@ -21,10 +21,11 @@ class BandBounds {
     return k >= count_ ? side_ : TruncToInt32(static_cast<long double>(k) * q_);
   }
 
-  // The band holding line y (0 <= y < side): found by division, then put
-  // right against the bounds themselves, so it agrees with Start exactly.
+  // The band holding line y (0 <= y < side), the last to start at or before
+  // it: found by division (band k ends past y once (k + 1) q >= y + 1), then
+  // put right against the bounds themselves, so it agrees with Start exactly.
   int64_t BandAt(int32_t y) const {
-    int64_t k = std::min<int64_t>(count_ - 1, static_cast<int64_t>(y / q_));
+    int64_t k = std::min<int64_t>(count_ - 1, static_cast<int64_t>((y + 1.0L) / q_));
     while (k > 0 && Start(k) > y) --k;
     while (k + 1 < count_ && Start(k + 1) <= y) ++k;
     return k;
@@ -74,15 +75,47 @@ void PaintRows(const FrameRows& rows, const BandLine& l, int32_t begin, int32_t 
   }
 }
 
-// Vertical bands: columns begin..end - 1 of every row, read from the row the
-// band's line puts there.
-void PaintColumns(const FrameRows& rows, const BandLine& l, int32_t begin, int32_t end) {
-  for (int32_t y = 0; y < rows.height; ++y) {
-    const bool first = y < l.cut;
-    const PixelWord* from = Source(rows, first == l.bFirst, y + (first ? l.firstShift : l.secondShift));
-    CopyRun(rows.Out(y) + begin, from + begin, end - begin);
+// Vertical bands, gathered a batch at a time and painted row by row: within
+// a row every band of one parity reads the same source row, and the frame is
+// walked once per batch rather than once per band.
+class ColumnBands {
+ public:
+  ColumnBands(const FrameRows& rows, const BandLine (&lines)[2]) : rows_(rows), lines_(lines) {}
+
+  void Add(int64_t k, int32_t begin, int32_t end) {
+    if (count_ == kBatch) Flush();
+    bands_[count_++] = {begin, end, static_cast<uint8_t>(k & 1)};
   }
-}
+
+  void Flush() {
+    for (int32_t y = 0; y < rows_.height; ++y) {
+      const PixelWord* from[2] = {SourceRow(lines_[0], y), SourceRow(lines_[1], y)};
+      PixelWord* out = rows_.Out(y);
+      for (int i = 0; i < count_; ++i) {
+        const Band& b = bands_[i];
+        CopyRun(out + b.begin, from[b.parity] + b.begin, b.end - b.begin);
+      }
+    }
+    count_ = 0;
+  }
+
+ private:
+  static constexpr int kBatch = 64;
+  struct Band {
+    int32_t begin, end;
+    uint8_t parity;
+  };
+
+  const PixelWord* SourceRow(const BandLine& l, int32_t y) const {
+    const bool first = y < l.cut;
+    return Source(rows_, first == l.bFirst, y + (first ? l.firstShift : l.secondShift));
+  }
+
+  const FrameRows& rows_;
+  const BandLine (&lines_)[2];
+  Band bands_[kBatch];
+  int count_ = 0;
+};
 
 }  // namespace
 
@@ -103,14 +136,14 @@ int32_t RenderBands(t_KrRenderInfo* ri, const BandFields& fields, BandCopyRule r
   const BandLine lines[2] = {LineOf({vertical, extent, shift}, rule), LineOf({!vertical, extent, shift}, rule)};
 
   const BandBounds bounds(vertical ? rows.width : rows.height, count);
-  bounds.ForEachNonEmpty([&](int64_t k, int32_t begin, int32_t end) {
-    const BandLine& line = lines[k & 1];
-    if (vertical) {
-      PaintColumns(rows, line, begin, end);
-    } else {
-      PaintRows(rows, line, begin, end);
-    }
-  });
+  if (vertical) {
+    ColumnBands bands(rows, lines);
+    bounds.ForEachNonEmpty([&](int64_t k, int32_t begin, int32_t end) { bands.Add(k, begin, end); });
+    bands.Flush();
+  } else {
+    bounds.ForEachNonEmpty(
+        [&](int64_t k, int32_t begin, int32_t end) { PaintRows(rows, lines[k & 1], begin, end); });
+  }
   return 1;
 }
 
