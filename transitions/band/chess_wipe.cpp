@@ -56,7 +56,7 @@ class Board {
   // square, at most `end`: estimated, then put right against Square itself.
   int32_t NextSquareStart(int32_t x, int32_t column, int32_t end) const {
     const double estimate = std::ceil((column + 0.5) * pixelsPerSquare_);
-    int32_t next = estimate >= end ? end : std::max(x + 1, static_cast<int32_t>(estimate));
+    int32_t next = estimate >= end ? end : estimate <= x + 1 ? x + 1 : static_cast<int32_t>(estimate);
     while (next > x + 1 && Square(next - 1) != column) --next;
     while (next < end && Square(next) == column) ++next;
     return next;

@@ -69,7 +69,9 @@ TEST(Builder, LaysCoursesInAlternatingDirections) {
     EXPECT_EQ(RowsFromTop(out), c.rows) << c.what;
     for (int32_t y = 0; y < out.height; ++y) {
       for (int32_t x = 0; x < out.width; ++x) {
-        if (SourceOf(out.At(x, y)) != '.') ASSERT_EQ(out.At(x, y) & 0xFFFFFF, Code(0, x, y)) << c.what;
+        if (SourceOf(out.At(x, y)) != '.') {
+          ASSERT_EQ(out.At(x, y) & 0xFFFFFF, Code(0, x, y)) << c.what << ": read in place";
+        }
       }
     }
   }
