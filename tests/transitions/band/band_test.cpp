@@ -101,3 +101,32 @@ TEST(Bands, ImageTwoFirstPushesBAway) {
 
 }  // namespace
 }  // namespace krl::test
+
+namespace krl::test {
+namespace {
+
+// Any size, field value and Progress: every pixel is A, B or untouched, and
+// (under the sanitizers) nothing is read or written outside the frames.
+TEST(BandFamily, StaysInsideTheFramesForAnyValue) {
+  const int32_t values[] = {INT32_MIN, -1, 0, 1, 2, 3, 4, 7, INT32_MAX};
+  const double progresses[] = {std::nan(""), -1.0, 0.0, 0.37, 1.0, 2.0, 1e300};
+  const struct {
+    const char* effect;
+    const char* fields[2];
+  } effects[] = {{"Band Push", {"Direction", "BandCount"}}, {"Band Slide", {"Direction", "BandCount"}},
+                 {"Band Wipe", {"Direction", "BandCount"}}, {"Chess Wipe", {"Direction", "Direction"}},
+                 {"Builder", {"Divide_X", "Divide_Y"}}};
+  for (const auto& e : effects) {
+    for (const auto& [w, h] : {std::pair{1, 1}, {1, 9}, {9, 1}, {5, 3}}) {
+      for (const int32_t v : values) {
+        for (const double p : progresses) {
+          const emu::Frame out = RenderCoded(e.effect, w, h, p, {{e.fields[0], v}, {e.fields[1], v}});
+          for (const uint32_t px : out.pixels) ASSERT_NE(SourceOf(px), '?') << e.effect << " " << v << " " << p;
+        }
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace krl::test
