@@ -4,15 +4,17 @@
 #include "host/export.h"
 #include "host/host_interface.h"
 
-// The effect list: the declaration functions of the transitions that exist,
-// in the order KrDeclare calls them (the order of their names); a new
-// transition adds its row at its place. X(Name) is KrDeclare<Name>, defined
-// by KR_TRANSITION in transitions/<family>/<name>.cpp (snake case), whose
-// texts give its display name where that differs from Name.
+// The declaration functions of the effects that exist, in the order KrDeclare
+// calls them; each new transition adds its row at its place in that order.
 #define KR_EFFECTS(X) \
+  X(BandPush)                                 \
+  X(BandSlide)                                \
+  X(BandWipe)                                 \
   X(BrightnessPlasma)                         \
+  X(Builder)                                  \
   X(CenterZoom)                               \
   X(ChaoticDissolve)                          \
+  X(ChessWipe)                                \
   X(CornerZoom)                               \
   X(CrossSplit)                               \
   X(DitherDissolve)                           \
