@@ -21,7 +21,12 @@
   X(Mosaic)            \
   X(Push)              \
   X(RandomDissolve)    \
+  X(Rotation)          \
+  X(Shredder)          \
   X(Slide)             \
+  X(SlidingBoxes)      \
+  X(SlidingQuarters)   \
+  X(Swap)              \
   X(Wipe)
 
 #define KR_DECLARE_PROTOTYPE(name) KR_EXPORT int32_t KrDeclare##name(t_KrHostInfo* hi);

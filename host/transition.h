@@ -8,7 +8,9 @@
 // with WipeRender defined in namespace krl before it, and gets WipeInit (the
 // defaults of its field table, in table order) and the exported declaration
 // function KrDeclareWipe. A module that keeps user data uses
-// KR_TRANSITION_WITH_USER_DATA and defines <Name>DeleteUserData as well.
+// KR_TRANSITION_WITH_USER_DATA and defines <Name>DeleteUserData as well; one
+// whose init does more than set its table's defaults uses
+// KR_TRANSITION_WITH_OWN_INIT and defines <Name>Init.
 //
 // Every entry point the host calls goes through HostEntry (host/entry.h),
 // which puts the state the library computes in into place and gives the
@@ -35,7 +37,6 @@ struct EffectTexts {
 #define KR_TRANSITION_ENTRIES(Name, fieldTable, deleter, ...)                                              \
   namespace krl {                                                                                          \
   namespace {                                                                                              \
-  int32_t Name##Init(t_KrRenderInfo* ri) { return InitDefaults(ri, fieldTable); }                          \
   constexpr EffectTexts k##Name##Texts = __VA_ARGS__;                                                      \
   constexpr EffectSpec k##Name##Effect{                                                                    \
       .menuPath = k##Name##Texts.menuPath,                                                                 \
@@ -54,9 +55,23 @@ struct EffectTexts {
     return krl::DeclarationEntry(hi, krl::k##Name##Effect);                                                \
   }
 
-#define KR_TRANSITION(Name, fieldTable, ...) KR_TRANSITION_ENTRIES(Name, fieldTable, nullptr, __VA_ARGS__)
+// The init that sets the defaults of the field table, in table order.
+#define KR_TABLE_INIT(Name, fieldTable) \
+  namespace krl {                        \
+  namespace {                            \
+  int32_t Name##Init(t_KrRenderInfo* ri) { return InitDefaults(ri, fieldTable); } \
+  }                                      \
+  }
+
+#define KR_TRANSITION(Name, fieldTable, ...) \
+  KR_TABLE_INIT(Name, fieldTable) KR_TRANSITION_ENTRIES(Name, fieldTable, nullptr, __VA_ARGS__)
 #define KR_TRANSITION_WITH_USER_DATA(Name, fieldTable, ...) \
+  KR_TABLE_INIT(Name, fieldTable)                          \
   KR_TRANSITION_ENTRIES(Name, fieldTable, HostEntry<Name##DeleteUserData>, __VA_ARGS__)
+// A transition whose init sets more than its table says defines <Name>Init
+// in namespace krl itself.
+#define KR_TRANSITION_WITH_OWN_INIT(Name, fieldTable, ...) \
+  KR_TRANSITION_ENTRIES(Name, fieldTable, nullptr, __VA_ARGS__)
 
 // What the tests need to know of a transition, on one line of its module:
 //
