@@ -1,6 +1,7 @@
 // Rotation: A turns away about one of its top corners like a swinging sign,
 // through a quarter turn, uncovering the still B behind it.
 #include <algorithm>
+#include <climits>
 #include <cmath>
 
 #include "host/render_prologue.h"
@@ -23,6 +24,14 @@ constexpr FieldSpec kFields[] = {
         .Default(0),
 };
 
+// A turned frame wider or higher than 2^24, or of 2^31 pixels or more, is
+// left as it was: up to there every coordinate is exact in single precision
+// and a pixel's index fits 32 bits.
+bool TurnableFrame(const t_KrRenderInfo* ri) {
+  constexpr int32_t kMaxSide = 1 << 24;
+  return ri->Width <= kMaxSide && ri->Height <= kMaxSide && FramePixelCount(ri) <= INT32_MAX;
+}
+
 constexpr double kHalfTurn = 1.5707963267948966;  // pi / 2 as the angle reaches it at Progress 1
 
 // trunc(v + 0.5) of a column bound, held to -1 .. W + 1 first: beyond the
@@ -43,10 +52,34 @@ class TurnedA {
         t_(std::tan(static_cast<long double>(theta))),
         yb_(TruncToInt32(rows.height - rows.width * static_cast<double>(s_) + 0.5)) {}
 
-  // Memory row m: rotated A in columns [first, last), B in place elsewhere.
-  void PaintRow(int32_t m) const {
+  // Rotated A in columns [first, last) of each row, B in place elsewhere.
+  // Bands of rows are sampled in tiles of columns, so that the A pixels a
+  // tile reads, which lie along a turned strip of A, stay in the caches.
+  void Paint() const {
+    constexpr int32_t kBandRows = 64, kTileColumns = 64;
+    int32_t first[kBandRows], last[kBandRows];
+    for (int32_t m0 = 0; m0 < rows_.height; m0 += kBandRows) {
+      const int32_t n = std::min(kBandRows, rows_.height - m0);
+      for (int32_t i = 0; i < n; ++i) {
+        const int32_t m = m0 + i;
+        ARun(m, first[i], last[i]);
+        PixelWord* out = rows_.Out(m);
+        CopyRun(out, rows_.B(m), first[i]);
+        CopyRun(out + last[i], rows_.B(m) + last[i], rows_.width - last[i]);
+      }
+      for (int32_t x0 = 0; x0 < rows_.width; x0 += kTileColumns) {
+        for (int32_t i = 0; i < n; ++i) {
+          const int32_t from = std::max(first[i], x0), to = std::min(last[i], x0 + kTileColumns);
+          if (from < to) SampleA(rows_.Out(m0 + i), m0 + i, from, to);
+        }
+      }
+    }
+  }
+
+ private:
+  // The columns [first, last) of memory row m that show rotated A.
+  void ARun(int32_t m, int32_t& first, int32_t& last) const {
     const int32_t w = rows_.width, d = rows_.height - 1 - m;
-    int32_t first, last;
     if (!hingeRight_) {
       first = 0;
       last = m >= yb_ ? ColumnBound(d / t_, w)  // above the turned top edge: B from there
@@ -58,13 +91,8 @@ class TurnedA {
     }
     first = std::clamp(first, 0, w);
     last = std::clamp(last, first, w);
-    PixelWord* out = rows_.Out(m);
-    CopyRun(out, rows_.B(m), first);
-    SampleA(out, m, first, last);
-    CopyRun(out + last, rows_.B(m) + last, w - last);
   }
 
- private:
   void SampleA(PixelWord* out, int32_t m, int32_t first, int32_t last) const {
     if (hingeRight_) {
       SampleA<true>(out, m, first, last);
@@ -80,12 +108,18 @@ class TurnedA {
   template <bool kHingeRight>
   void SampleA(PixelWord* out, int32_t m, int32_t first, int32_t last) const {
     constexpr int32_t kChunk = 512;
-    int32_t row[kChunk], column[kChunk];
+    uint32_t at[kChunk];  // row * W + column: the frame holds fewer than 2^31 pixels
     const float fd = RoundToSingle(rows_.height - 1 - m);
     const float top = RoundToSingle(rows_.height - 1), right = RoundToSingle(rows_.width - 1);
     const float dc = fd * c_, ds = fd * s_;
-    const int32_t maxRow = rows_.height - 1, maxColumn = rows_.width - 1;
-    const float rowLimit = RoundToSingle(maxRow), columnLimit = RoundToSingle(maxColumn);
+    const uint32_t w = static_cast<uint32_t>(rows_.width);
+    const uint32_t maxRow = static_cast<uint32_t>(rows_.height - 1), maxColumn = w - 1;
+    const float rowLimit = RoundToSingle(rows_.height - 1), columnLimit = RoundToSingle(rows_.width - 1);
+    const PixelWord* a = rows_.inputA;  // in a local: a store through `out` may alias any word
+    constexpr float kAhead = 16.0f;
+    const int64_t columnAhead = static_cast<int64_t>(kAhead * s_);
+    const int64_t prefetchShift = static_cast<int64_t>(kAhead * c_) * w + (kHingeRight ? columnAhead : -columnAhead);
+    const int64_t lastPixel = int64_t{w} * rows_.height - 1;
     for (int32_t x0 = first; x0 < last; x0 += kChunk) {
       const int32_t n = std::min(kChunk, last - x0);
       // e: the distance from the hinge's side of the frame.
@@ -94,10 +128,16 @@ class TurnedA {
         const float e = RoundToSingle(kHingeRight ? e0 - i : e0 + i);
         const float r = top + e * s_ - dc + 0.5f;
         const float k = kHingeRight ? right - e * c_ - ds + 0.5f : e * c_ + ds + 0.5f;
-        row[i] = std::min(static_cast<int32_t>(std::clamp(r, 0.0f, rowLimit)), maxRow);
-        column[i] = std::min(static_cast<int32_t>(std::clamp(k, 0.0f, columnLimit)), maxColumn);
+        const uint32_t row = std::min(static_cast<uint32_t>(static_cast<int32_t>(std::clamp(r, 0.0f, rowLimit))), maxRow);
+        const uint32_t column = std::min(static_cast<uint32_t>(static_cast<int32_t>(std::clamp(k, 0.0f, columnLimit))), maxColumn);
+        at[i] = row * w + column;
       }
-      for (int32_t i = 0; i < n; ++i) out[x0 + i] = rows_.A(row[i])[column[i]];
+      // The rows a few lines later in the tile read near here: ask for them ahead.
+      for (int32_t i = 0; i < n; i += 8) {
+        const int64_t ahead = std::clamp<int64_t>(int64_t{at[i]} + prefetchShift, 0, lastPixel);
+        __builtin_prefetch(a + ahead);
+      }
+      for (int32_t i = 0; i < n; ++i) out[x0 + i] = a[at[i]];
     }
   }
 
@@ -117,10 +157,10 @@ int32_t RotationRender(t_KrRenderInfo* ri) {
     CopyPixels(ri->Output, ri->InputA, 0, FramePixelCount(ri));
   } else if (theta == kHalfTurn) {
     CopyPixels(ri->Output, ri->InputB, 0, FramePixelCount(ri));
-  } else if (theta > 0.0 && theta < kHalfTurn) {
+  } else if (theta > 0.0 && theta < kHalfTurn && TurnableFrame(ri)) {
     const FrameRows rows = FrameRows::Of(ri);
     const TurnedA turned(rows, theta, hingeRight);
-    for (int32_t m = 0; m < rows.height; ++m) turned.PaintRow(m);
+    turned.Paint();
   }
   return 1;  // any other angle (negative, beyond the quarter turn, NaN) leaves Output as it was
 }

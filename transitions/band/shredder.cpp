@@ -54,7 +54,7 @@ void ShredRows(const FrameRows& rows, int32_t reach, bool fromLeft) {
 // or above every edge is one copy; the rows in between pick per pixel
 // (a branchless select the compiler vectorises).
 void ShredColumns(const FrameRows& rows, int32_t reach, bool fromBottom) {
-  constexpr int32_t kBand = 1024;
+  constexpr int32_t kBand = 2048;
   int32_t lowEnd[kBand];  // per column: the rows below this show `low`
   const PixelWord* low = fromBottom ? rows.inputB : rows.inputA;
   const PixelWord* high = fromBottom ? rows.inputA : rows.inputB;
