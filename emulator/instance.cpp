@@ -18,6 +18,8 @@ Function CodeAt(uint64_t address) {
 
 Instance::Instance(const Host& host, const DeclaredEffect& effect) : host_(host), effect_(effect) {
   for (const DeclaredField& f : effect_.fields) fields_[f.index].field = &f;
+  fieldZeroField_.key = "field 0";
+  fieldZero_.field = &fieldZeroField_;
   record_.info.Host = const_cast<t_KrHostFunctions*>(&host_.table());
   record_.info.BitsPerPixel = 32;
   record_.self = this;
@@ -88,6 +90,10 @@ Instance& Instance::Of(t_KrRenderInfo* ri) { return *reinterpret_cast<Record*>(r
 
 Instance::FieldState* Instance::StateOf(int32_t index, const char* slot, bool (*kindFits)(const std::string&)) {
   auto it = fields_.find(index);
+  if (it == fields_.end() && index == 0) {
+    fieldZeroCalls_.push_back(std::string(slot) + "(field 0)");
+    return &fieldZero_;
+  }
   if (it == fields_.end()) {
     diagnostics_.push_back(std::string(slot) + " was given " + std::to_string(index) + ", which is no field of " +
                            effect_.DisplayName());

@@ -49,6 +49,11 @@ class Instance {
   const std::vector<std::string>& reportedErrors() const { return reported_; }
   // Calls the host found wrong: unknown field index, wrong slot for the kind.
   const std::vector<std::string>& diagnostics() const { return diagnostics_; }
+  // Calls through index 0 when the effect declared no field with it (a field
+  // variable that no statement assigned). A host answers them for its field
+  // 0: the emulator keeps one value for it, "field 0", of any value kind.
+  // Listed apart from the diagnostics, e.g. "GetFieldValue(field 0)".
+  const std::vector<std::string>& fieldZeroCalls() const { return fieldZeroCalls_; }
   void* userData() const { return userData_; }
   // The defaults the library set, in the order it set them, e.g.
   // "SetFieldDefault(TransType, 0)".
@@ -92,6 +97,9 @@ class Instance {
   std::map<int32_t, FieldState> fields_;
   std::vector<std::string> reported_;
   std::vector<std::string> diagnostics_;
+  std::vector<std::string> fieldZeroCalls_;
+  DeclaredField fieldZeroField_;
+  FieldState fieldZero_;
   std::vector<std::string> defaultsSet_;
   void* userData_ = nullptr;
   int32_t initResult_ = 0;

@@ -23,6 +23,9 @@ struct TestProfile {
   bool exchangesInLocals = false;
   // Settings (each a list of KEY=VALUE) under which a render leaves Output as it was.
   std::vector<std::vector<std::string>> drawsNothingWith = {};
+  // It reads a value through a field index that no statement assigns (it
+  // stays 0), which the host answers for its field 0 (Instance::fieldZeroCalls).
+  bool readsFieldZero = false;
 };
 
 struct NamedProfile {

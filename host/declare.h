@@ -111,6 +111,13 @@ constexpr FieldSpec Selector(FieldIndex* index, const char* key, const char* lab
   for (const SelectorItem& item : items) f.items[f.itemCount++] = item;
   return f;
 }
+// The same with an item list that several fields share.
+constexpr FieldSpec Selector(FieldIndex* index, const char* key, const char* label, std::span<const SelectorItem> items) {
+  FieldSpec f = MakeField(index, FieldKind::Selector, key, label);
+  if (items.size() > kMaxSelectorItems) TableTooLong();
+  for (const SelectorItem& item : items) f.items[f.itemCount++] = item;
+  return f;
+}
 constexpr FieldSpec Long(FieldIndex* index, const char* key, const char* label, double minimum,
                          double maximum) {
   FieldSpec f = MakeField(index, FieldKind::Long, key, label);

@@ -29,8 +29,13 @@
   X(Mosaic)                                   \
   X(Push)                                     \
   X(RandomDissolve)                           \
+  X(Rotation)                                 \
+  X(Shredder)                                 \
   X(Slide)                                    \
+  X(SlidingBoxes)                             \
   X(SlidingDoors)                             \
+  X(SlidingQuarters)                          \
+  X(Swap)                                     \
   X(Wipe)                                     \
   X(ZoomOut)
 

@@ -9,9 +9,14 @@
 //   KR_TRANSITION(Wipe, kTexts, kFields)
 //
 // which makes WipeInit (the defaults of its field table, in table order) and
-// the exported declaration function KrDeclareWipe. A module that keeps user data uses
-// KR_TRANSITION_WITH_USER_DATA and defines <Name>DeleteUserData as well; one
-// whose init sets its defaults out of declaration order, KR_TRANSITION_WITH_INIT_ORDER.
+// the exported declaration function KrDeclareWipe. The variants:
+//   KR_TRANSITION_WITH_INIT_ORDER(Name, kTexts, kFields, kInitOrder)
+//     the init sets the defaults of another table (the same fields in the
+//     order that init sets them);
+//   KR_TRANSITION_WITH_OWN_INIT(Name, kTexts, kFields)
+//     the module defines <Name>Init itself (its init does more than set defaults);
+//   KR_TRANSITION_WITH_USER_DATA(Name, kTexts, kFields)
+//     the module keeps user data and defines <Name>Init and <Name>DeleteUserData.
 //
 // Every entry point the host calls goes through HostEntry (host/entry.h),
 // which puts the state the library computes in into place and gives the
@@ -35,20 +40,19 @@ struct EffectTexts {
 };
 }  // namespace krl
 
-#define KR_TRANSITION_ENTRIES(Name, texts, fieldTable, initTable, deleter)                                 \
+#define KR_TRANSITION_ENTRIES(Name, texts, fieldTable, deleter)                                            \
   namespace krl {                                                                                          \
   namespace {                                                                                              \
-  int32_t Name##Init(t_KrRenderInfo* ri) { return InitDefaults(ri, initTable); }                           \
   constexpr EffectSpec k##Name##Effect{                                                                    \
-      .menuPath = texts.menuPath,                                                                 \
-      .signature = texts.signature,                                                               \
-      .displayName = texts.displayName,                                                           \
-      .description = texts.description,                                                           \
+      .menuPath = texts.menuPath,                                                                          \
+      .signature = texts.signature,                                                                        \
+      .displayName = texts.displayName,                                                                    \
+      .description = texts.description,                                                                    \
       .init = HostEntry<Name##Init>,                                                                       \
       .render = HostEntry<Name##Render>,                                                                   \
       .deleteUserData = deleter,                                                                           \
       .fields = fieldTable,                                                                                \
-      .descriptionContext = texts.descriptionContext,                                             \
+      .descriptionContext = texts.descriptionContext,                                                      \
   };                                                                                                       \
   }                                                                                                        \
   }                                                                                                        \
@@ -56,13 +60,21 @@ struct EffectTexts {
     return krl::DeclarationEntry(hi, krl::k##Name##Effect);                                                \
   }
 
-#define KR_TRANSITION(Name, texts, fieldTable) KR_TRANSITION_ENTRIES(Name, texts, fieldTable, fieldTable, nullptr)
-#define KR_TRANSITION_WITH_USER_DATA(Name, texts, fieldTable) \
-  KR_TRANSITION_ENTRIES(Name, texts, fieldTable, fieldTable, HostEntry<Name##DeleteUserData>)
-// For an init that sets its defaults in an order of its own: initTable holds
-// the fields of fieldTable that get one, in that order.
+// The init that sets the defaults a table names, in its order.
+#define KR_TABLE_INIT(Name, initTable)                                              \
+  namespace krl {                                                                   \
+  namespace {                                                                       \
+  int32_t Name##Init(t_KrRenderInfo* ri) { return InitDefaults(ri, initTable); }    \
+  }                                                                                 \
+  }
+
+#define KR_TRANSITION(Name, texts, fieldTable) \
+  KR_TABLE_INIT(Name, fieldTable) KR_TRANSITION_ENTRIES(Name, texts, fieldTable, nullptr)
 #define KR_TRANSITION_WITH_INIT_ORDER(Name, texts, fieldTable, initTable) \
-  KR_TRANSITION_ENTRIES(Name, texts, fieldTable, initTable, nullptr)
+  KR_TABLE_INIT(Name, initTable) KR_TRANSITION_ENTRIES(Name, texts, fieldTable, nullptr)
+#define KR_TRANSITION_WITH_OWN_INIT(Name, texts, fieldTable) KR_TRANSITION_ENTRIES(Name, texts, fieldTable, nullptr)
+#define KR_TRANSITION_WITH_USER_DATA(Name, texts, fieldTable) \
+  KR_TRANSITION_ENTRIES(Name, texts, fieldTable, HostEntry<Name##DeleteUserData>)
 
 // What the tests need to know of a transition, on one line of its module:
 //

@@ -78,6 +78,19 @@ TEST(Emulator, ReportsCallsWithWrongFieldsAndUnusedSlots) {
   EXPECT_EQ(emu::UnexpectedSlotCalls(), before + 1);
 }
 
+// An index no statement assigned stays 0; the host keeps a value for its
+// field 0 and answers with it, and the emulator lists such calls apart.
+TEST(Emulator, AnswersAnUndeclaredIndexZeroForTheHostsFieldZero) {
+  const emu::Host& host = Library();
+  emu::Instance fade(host, Effect(host, "Traditional Fade"));
+  auto* ri = const_cast<t_KrRenderInfo*>(&fade.record());
+  host.table().SetFieldDefault(ri, 0, 0, 3);
+  EXPECT_EQ(host.table().GetFieldValue(ri, 0, 0), 3);
+  EXPECT_TRUE(fade.diagnostics().empty());
+  EXPECT_EQ(fade.fieldZeroCalls(), (std::vector<std::string>{"SetFieldDefault(field 0)", "GetFieldValue(field 0)"}));
+  EXPECT_EQ(fade.defaultsSet().back(), "SetFieldDefault(field 0, 3)");
+}
+
 TEST(Emulator, FindsEffectsByAnyOfTheirNames) {
   const emu::Host& host = Library();
   for (const char* name : {"Traditional Fade", "traditionalfade", "Transitions/Dissolve/Traditional Fade",

@@ -88,6 +88,13 @@ TEST_P(EveryTransition, InitSetsTransTypeFirstAndReadsOnlyDeclaredFields) {
   emu::Frame out(kW, kH);
   instance.Render(a_, b_, out, 0.5);
   EXPECT_TRUE(instance.diagnostics().empty()) << instance.diagnostics().front();
+  // An index left at 0 by the declaration reaches the host's field 0: only
+  // where the transition's own description reads one.
+  if (!emu::ProfileOf(effect()).readsFieldZero) {
+    EXPECT_TRUE(instance.fieldZeroCalls().empty()) << instance.fieldZeroCalls().front();
+  } else {
+    EXPECT_FALSE(instance.fieldZeroCalls().empty()) << "its profile says it reads field 0";
+  }
 }
 
 // What the tests know of a transition comes from one line of its module; a

@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "host/host_calls.h"
+#include "raster/cell_grid.h"
 #include "raster/numeric.h"
 #include "raster/pixel_runs.h"
 #include "transitions/pengrid/pen_fields.h"
@@ -50,11 +51,6 @@ inline double ShapeProgress(double p) { return std::isnan(p) ? 0.0 : std::clamp(
 // wider than any frame draws the same as 2^20. Inside 0..10 nothing changes.
 inline int32_t PenThickness(int32_t borderWidth) { return std::clamp(borderWidth, 0, 1 << 20); }
 
-// Nominal cell size: the frame side divided in extended precision, truncated.
-inline int32_t NominalCellSize(int32_t side, int32_t divisions) {
-  return TruncToInt32(static_cast<long double>(side) / divisions);
-}
-
 // A corner of kCornerItems; "Top" is the end with the highest row indices.
 struct Corner {
   bool left;
@@ -91,12 +87,6 @@ inline Interval CentredBar(int32_t size, int32_t thickness) {
   return {(size - thickness) / 2, TruncToInt32((size + thickness) * 0.5 + 0.5)};
 }
 
-struct Cell {
-  int32_t x0, x1, y0, y1;  // first column and row, one past the last
-  int32_t Width() const { return x1 - x0; }
-  int32_t Height() const { return y1 - y0; }
-};
-
 // The pen grid of Wipe, Slide and Push: cells visited from the last column
 // and row to the first, the last column and row taking the remainder. Cells
 // left empty by a division larger than the frame are skipped (they would
@@ -111,23 +101,6 @@ void ForEachGridCell(int32_t width, int32_t height, int32_t dx, int32_t dy, Pain
     const int32_t x0 = i * cw, x1 = i == dx - 1 ? width : x0 + cw;
     for (int32_t j = dy - 1; j >= firstRow; --j) {
       const int32_t y0 = j * ch, y1 = j == dy - 1 ? height : y0 + ch;
-      paint(Cell{x0, x1, y0, y1});
-    }
-  }
-}
-
-// The cells of the Iris family and Inset: columns outer, rows inner, each
-// cell cw x ch; the columns beyond dx * cw and rows beyond dy * ch are never
-// written. With a nominal size of 0 every cell is empty and none is visited.
-template <typename PaintCell>
-void ForEachWholeCell(int32_t width, int32_t height, int32_t dx, int32_t dy, PaintCell paint) {
-  if (dx < 1 || dy < 1) return;
-  const int32_t cw = NominalCellSize(width, dx), ch = NominalCellSize(height, dy);
-  if (cw < 1 || ch < 1) return;
-  for (int32_t i = 0; i < dx; ++i) {
-    const int32_t x0 = i * cw, x1 = std::min(x0 + cw, width);
-    for (int32_t j = 0; j < dy; ++j) {
-      const int32_t y0 = j * ch, y1 = std::min(y0 + ch, height);
       paint(Cell{x0, x1, y0, y1});
     }
   }

@@ -5,31 +5,11 @@
 #pragma once
 
 #include "host/declare.h"
+#include "raster/travel.h"
 #include "transitions/pengrid/pen_fields.h"
 #include "transitions/pengrid/pen_grid.h"
 
 namespace krl {
-
-enum class Travel : uint8_t { LeftToRight, RightToLeft, TopToBottom, BottomToTop };
-
-// The items of "Direction", in the order of the values Travel decodes.
-inline constexpr SelectorItem kTravelItems[] = {
-    {"Left > Right", 0}, {"Right > Left", 1}, {"Top > Bottom", 2}, {"Bottom > Top", 3}};
-
-// Any value but 1, 2 and 3 is the first item.
-inline Travel DecodeTravel(int32_t direction) {
-  switch (direction) {
-    case 1: return Travel::RightToLeft;
-    case 2: return Travel::TopToBottom;
-    case 3: return Travel::BottomToTop;
-    default: return Travel::LeftToRight;
-  }
-}
-
-inline bool AcrossColumns(Travel travel) { return travel == Travel::LeftToRight || travel == Travel::RightToLeft; }
-
-// B enters at the cell's lowest column or row index.
-inline bool EntersAtLowEnd(Travel travel) { return travel == Travel::LeftToRight || travel == Travel::BottomToTop; }
 
 // One cell as the band crosses it.
 struct BandCell {
