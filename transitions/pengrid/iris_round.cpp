@@ -11,7 +11,7 @@ namespace {
 PenGridFields fields;
 FieldIndex antiAliasing;
 
-constexpr auto kFields = WithField(PenGridFieldTable(fields, kIrisDirectionHelp, kIrisItems),
+constexpr auto kFields = WithField(PenGridFieldTable(fields, kIrisDirectionHelp, kOpenCloseItems),
                                    Bool(&antiAliasing, "Anti-Aliasing", "Anti-Aliasing")
                                        .Help("This option offers an improvement of quality.")
                                        .Default(0));
