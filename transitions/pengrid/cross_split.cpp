@@ -5,7 +5,6 @@
 #include "host/transition.h"
 #include "host/render_prologue.h"
 #include "transitions/pengrid/door_spans.h"
-#include "transitions/pengrid/iris_frame.h"
 
 namespace krl {
 namespace {
@@ -15,7 +14,7 @@ constexpr EffectTexts kTexts{.menuPath = "Transitions/Slide/Cross Split", .signa
 
 PenGridFields fields;
 
-constexpr auto kFields = PenGridFieldTable(fields, "Specifies whether the cross opens or closes.", kIrisItems);
+constexpr auto kFields = PenGridFieldTable(fields, "Specifies whether the cross opens or closes.", kOpenCloseItems);
 
 // The bar across one side of the cell, size * p thick, with the pen on its
 // inside; A on either side moves outwards by half the bar.

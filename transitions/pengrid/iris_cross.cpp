@@ -12,7 +12,7 @@ constexpr EffectTexts kTexts{.menuPath = "Transitions/Iris/Iris Cross", .signatu
 
 PenGridFields fields;
 
-constexpr auto kFields = PenGridFieldTable(fields, kIrisDirectionHelp, kIrisItems);
+constexpr auto kFields = PenGridFieldTable(fields, kIrisDirectionHelp, kOpenCloseItems);
 
 // A bar centred in [origin, origin + size).
 Interval Bar(int32_t origin, int32_t size, int32_t thickness) {

@@ -13,7 +13,7 @@ constexpr EffectTexts kTexts{.menuPath = "Transitions/Iris/Iris Diamond", .signa
 
 PenGridFields fields;
 
-constexpr auto kFields = PenGridFieldTable(fields, kIrisDirectionHelp, kIrisItems);
+constexpr auto kFields = PenGridFieldTable(fields, kIrisDirectionHelp, kOpenCloseItems);
 
 // The reach: from the integer quarters of the squared cell sides, divided by
 // 0.71 and rooted in extended precision, stored as single. It is only about

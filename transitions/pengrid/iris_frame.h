@@ -14,7 +14,6 @@
 
 namespace krl {
 
-inline constexpr SelectorItem kIrisItems[] = {{"Open Va", 0}, {"Close Vb", 1}};
 inline constexpr const char* kIrisDirectionHelp = "Specifies whether the iris is opened or closed.";
 
 // What a pixel of a cell shows.

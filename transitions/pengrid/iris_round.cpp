@@ -14,7 +14,7 @@ constexpr EffectTexts kTexts{.menuPath = "Transitions/Iris/Iris Round", .signatu
 PenGridFields fields;
 FieldIndex antiAliasing;
 
-constexpr auto kFields = WithField(PenGridFieldTable(fields, kIrisDirectionHelp, kIrisItems),
+constexpr auto kFields = WithField(PenGridFieldTable(fields, kIrisDirectionHelp, kOpenCloseItems),
                                    Bool(&antiAliasing, "Anti-Aliasing", "Anti-Aliasing")
                                        .Help("This option offers an improvement of quality.")
                                        .Default(0));

@@ -11,7 +11,7 @@ constexpr EffectTexts kTexts{.menuPath = "Transitions/Iris/Iris Squared", .signa
 
 PenGridFields fields;
 
-constexpr auto kFields = PenGridFieldTable(fields, kIrisDirectionHelp, kIrisItems);
+constexpr auto kFields = PenGridFieldTable(fields, kIrisDirectionHelp, kOpenCloseItems);
 
 // Half-size from the nominal cell size (not the clipped cell): the extended
 // product rounded to single, truncated.

@@ -17,7 +17,7 @@ PenGridFields fields;
 FieldIndex smoothingFactor;
 
 constexpr auto kFields = WithField(
-    PenGridFieldTable(fields, kIrisDirectionHelp, kIrisItems),
+    PenGridFieldTable(fields, kIrisDirectionHelp, kOpenCloseItems),
     Selector(&smoothingFactor, "SmoothingFactor", "Gauss Filter",
              {{"None", 0}, {"Small", 1}, {"Medium", 2}, {"Large", 3}})
         .Help("This filter allows you to add a kind of blur effect.")

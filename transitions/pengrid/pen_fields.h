@@ -58,6 +58,9 @@ inline constexpr SelectorItem kCornerItems[] = {
 // both at the host's own values.
 enum class PenDefaults : uint8_t { Set, HostsOwn };
 
+// The items of "Direction" of the shapes that open on B or close on A.
+inline constexpr SelectorItem kOpenCloseItems[] = {{"Open Va", 0}, {"Close Vb", 1}};
+
 // The host's indices of the shared fields of one transition.
 struct PenGridFields {
   FieldIndex inputA, inputB, transType, direction, divideX, divideY, color, borderWidth;

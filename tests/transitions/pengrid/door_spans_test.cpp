@@ -1,6 +1,7 @@
 // What Cross Split and Sliding Doors share through their door spans: any
 // value outside the declared ranges draws from the clips and the pen only,
-// inside the frame, and Progress beyond the ends draws as the end itself.
+// inside the frame; Progress beyond an end draws as that end, NaN as the
+// start.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -32,6 +33,8 @@ TEST_P(DoorMember, OutOfRangeValuesDrawOnlyClipsAndPen) {
 
 TEST_P(DoorMember, ProgressBeyondTheEndsDrawsTheEnds) {
   const FieldValues values = {{"BorderWidth", 2}, {"Divide_X", 2}};
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(RenderCoded(GetParam(), 30, 20, nan, values).pixels, RenderCoded(GetParam(), 30, 20, 0.0, values).pixels);
   EXPECT_EQ(RenderCoded(GetParam(), 30, 20, -2.0, values).pixels, RenderCoded(GetParam(), 30, 20, 0.0, values).pixels);
   EXPECT_EQ(RenderCoded(GetParam(), 30, 20, 7.0, values).pixels, RenderCoded(GetParam(), 30, 20, 1.0, values).pixels);
 }
