@@ -10,24 +10,26 @@
 // by KR_TRANSITION in transitions/<family>/<name>.cpp (snake case), whose
 // texts give its display name where that differs from Name.
 #define KR_EFFECTS(X) \
-  X(BrightnessPlasma)  \
-  X(CenterZoom)        \
-  X(ChaoticDissolve)   \
-  X(CornerZoom)        \
-  X(DitherDissolve)    \
-  X(FadeDissolve) /* "Traditional Fade" */ \
-  X(FlashOver)         \
-  X(Inset)             \
-  X(IrisCross)         \
-  X(IrisDiamond)       \
-  X(IrisRound)         \
-  X(IrisSquared)       \
-  X(IrisStar)          \
-  X(Mosaic)            \
-  X(Push)              \
-  X(RandomDissolve)    \
-  X(Slide)             \
-  X(Wipe)              \
+  X(BrightnessPlasma)                         \
+  X(CenterZoom)                               \
+  X(ChaoticDissolve)                          \
+  X(CornerZoom)                               \
+  X(CrossSplit)                               \
+  X(DitherDissolve)                           \
+  X(FadeDissolve) /* "Traditional Fade" */    \
+  X(FlashOver)                                \
+  X(Inset)                                    \
+  X(IrisCross)                                \
+  X(IrisDiamond)                              \
+  X(IrisRound)                                \
+  X(IrisSquared)                              \
+  X(IrisStar)                                 \
+  X(Mosaic)                                   \
+  X(Push)                                     \
+  X(RandomDissolve)                           \
+  X(Slide)                                    \
+  X(SlidingDoors)                             \
+  X(Wipe)                                     \
   X(ZoomOut)
 
 #define KR_DECLARE_PROTOTYPE(name) KR_EXPORT int32_t KrDeclare##name(t_KrHostInfo* hi);

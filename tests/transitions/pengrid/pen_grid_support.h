@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <span>
 #include <string>
 #include <utility>
@@ -143,6 +144,14 @@ inline void ExpectRows(const std::string& effect, std::span<const RowsCase> case
   for (const RowsCase& c : cases) {
     EXPECT_EQ(RowsFromTop(RenderCoded(effect, c.w, c.h, c.progress, c.values), line), c.rows) << c.what;
   }
+}
+
+// A transition's display name as the name of a parameterised test: its
+// blanks dropped.
+inline std::string NameOfMember(const testing::TestParamInfo<std::string>& member) {
+  std::string name = member.param;
+  name.erase(std::remove(name.begin(), name.end(), ' '), name.end());
+  return name;
 }
 
 }  // namespace krl::test
