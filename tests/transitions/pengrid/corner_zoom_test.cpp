@@ -22,8 +22,6 @@ TEST(CornerZoom, GrowsOutOfItsCornerBehindAPenBox) {
       {"Zoom Out at 0 is A", 4, 3, 0.0, {{"ZoomType", 1}, {"BorderWidth", 2}}, {"A4@0,2", "A4@0,1", "A4@0,0"}},
       {"Zoom Out at 1, Bottom Left, pen 1", 4, 3, 1.0, {{"ZoomType", 1}, {"BorderWidth", 1}, {"Corner", 2}},
        {"B4@0,2", "P2 B2@2,1", "P2 B2@2,0"}},
-      {"Bottom Left half way reads (2x, 2y)", 8, 4, 0.5, {{"Corner", 2}},
-       {"A8@0,3", "A8@0,2", "B1@0,2 B1@2,2 B1@4,2 B1@6,2 A4@4,1", "B1@0,0 B1@2,0 B1@4,0 B1@6,0 A4@4,0"}},
       // Rows [3, 6) and columns [4, 8), read from the rectangle's corner (4, 3).
       {"Top Right, pen 1 is two pixels", 8, 6, 0.5, {{"Corner", 1}, {"BorderWidth", 1}},
        {"A2@0,5 P2 B1@0,4 B1@2,4 B1@4,4 B1@6,4", "A2@0,4 P2 B1@0,2 B1@2,2 B1@4,2 B1@6,2",
