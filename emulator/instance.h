@@ -50,6 +50,9 @@ class Instance {
   // Calls the host found wrong: unknown field index, wrong slot for the kind.
   const std::vector<std::string>& diagnostics() const { return diagnostics_; }
   void* userData() const { return userData_; }
+  // What the host's SetUserData slot does; a test uses it to make a host that
+  // holds no user data for the instance (the test then owns what it held).
+  void ReplaceUserData(void* data) { userData_ = data; }
   // The defaults the library set, in the order it set them, e.g.
   // "SetFieldDefault(TransType, 0)".
   const std::vector<std::string>& defaultsSet() const { return defaultsSet_; }

@@ -15,6 +15,8 @@
   X(DitherDissolve)    \
   X(FadeDissolve) /* "Traditional Fade" */ \
   X(FlashOver)         \
+  X(Fractal)           \
+  X(HilbertMosaic)     \
   X(Inset)             \
   X(IrisCross)         \
   X(IrisDiamond)       \
@@ -25,6 +27,7 @@
   X(Push)              \
   X(RandomDissolve)    \
   X(Slide)             \
+  X(SmoulderingPaper)  \
   X(Wipe)
 
 #define KR_DECLARE_PROTOTYPE(name) KR_EXPORT int32_t KrDeclare##name(t_KrHostInfo* hi);

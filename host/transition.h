@@ -10,7 +10,9 @@
 //
 // which makes WipeInit (the defaults of its field table, in table order) and
 // the exported declaration function KrDeclareWipe. A module that keeps user data uses
-// KR_TRANSITION_WITH_USER_DATA and defines <Name>DeleteUserData as well.
+// KR_TRANSITION_WITH_USER_DATA and defines <Name>Init and <Name>DeleteUserData
+// itself: such an init does more than set its table's defaults (it makes the
+// data, or sets the defaults in an order of its own).
 //
 // Every entry point the host calls goes through HostEntry (host/entry.h),
 // which puts the state the library computes in into place and gives the
@@ -37,7 +39,6 @@ struct EffectTexts {
 #define KR_TRANSITION_ENTRIES(Name, texts, fieldTable, deleter)                                            \
   namespace krl {                                                                                          \
   namespace {                                                                                              \
-  int32_t Name##Init(t_KrRenderInfo* ri) { return InitDefaults(ri, fieldTable); }                          \
   constexpr EffectSpec k##Name##Effect{                                                                    \
       .menuPath = texts.menuPath,                                                                 \
       .signature = texts.signature,                                                               \
@@ -55,7 +56,13 @@ struct EffectTexts {
     return krl::DeclarationEntry(hi, krl::k##Name##Effect);                                                \
   }
 
-#define KR_TRANSITION(Name, texts, fieldTable) KR_TRANSITION_ENTRIES(Name, texts, fieldTable, nullptr)
+#define KR_TRANSITION(Name, texts, fieldTable)                                             \
+  namespace krl {                                                                          \
+  namespace {                                                                              \
+  int32_t Name##Init(t_KrRenderInfo* ri) { return InitDefaults(ri, fieldTable); }          \
+  }                                                                                        \
+  }                                                                                        \
+  KR_TRANSITION_ENTRIES(Name, texts, fieldTable, nullptr)
 #define KR_TRANSITION_WITH_USER_DATA(Name, texts, fieldTable) \
   KR_TRANSITION_ENTRIES(Name, texts, fieldTable, HostEntry<Name##DeleteUserData>)
 
