@@ -93,16 +93,35 @@ struct Field {
     if (v == 0) v = Midpoint(At(x1, y1), At(x2, y2), a, b);
   }
 
+  // A side's share of the weight, (extent * 0.5) / frame side in single
+  // precision. Rectangles of one depth have few extents, so the last few
+  // quotients are kept instead of being divided anew for every rectangle.
+  struct Shares {
+    int32_t extent[64];
+    float share[64];
+    int32_t side;
+    explicit Shares(int32_t frameSide) : extent{}, share{}, side(frameSide) {
+      for (int32_t& e : extent) e = -1;
+    }
+    float Of(int32_t e) {
+      const int32_t slot = e & 63;
+      if (extent[slot] != e) {
+        extent[slot] = e;
+        share[slot] = static_cast<float>(e) * 0.5f / static_cast<float>(side);
+      }
+      return share[slot];
+    }
+  };
+
   // The rectangle (x0, y0)-(x1, y1), corners included: its edge midpoints and
   // centre, then its quadrants, the fourth by the loop. Every call halves
-  // both sides (rounding up) until both are below 2, so calls nest at most
-  // 32 deep for any frame size (12 at 1920 x 1080), a few dozen bytes each.
-  void Subdivide(int32_t x0, int32_t y0, int32_t x1, int32_t y1) const {
-    for (;;) {
-      if (x1 - x0 < 2 && y1 - y0 < 2) return;
+  // both sides (rounding up) until both are below 2, and a quadrant that
+  // small is not entered, so calls nest at most 32 deep for any frame size
+  // (11 at 1920 x 1080), a few dozen bytes each.
+  void Subdivide(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Shares& across, Shares& up) const {
+    while (x1 - x0 >= 2 || y1 - y0 >= 2) {
       const int32_t xm = x0 + (x1 - x0) / 2, ym = y0 + (y1 - y0) / 2;
-      const float share = static_cast<float>(y1 - y0) * 0.5f / static_cast<float>(height) +
-                          static_cast<float>(x1 - x0) * 0.5f / static_cast<float>(width);
+      const float share = up.Of(y1 - y0) + across.Of(x1 - x0);
       const int32_t a = TruncToInt32(static_cast<double>(static_cast<float>(degree) * share));
       const int32_t b = WrappingSubtract(256, a);
       SetMidpoint(x0, ym, x0, y0, x0, y1, a, b);  // left
@@ -114,12 +133,16 @@ struct Field {
         std::rand();  // drawn and not used
         centre = static_cast<uint16_t>((At(x0, ym) + At(x1, ym) + At(xm, y0) + At(xm, y1)) >> 2);
       }
-      Subdivide(x0, ym, xm, y1);
-      Subdivide(xm, ym, x1, y1);
-      Subdivide(x0, y0, xm, ym);
+      Quadrant(x0, ym, xm, y1, across, up);
+      Quadrant(xm, ym, x1, y1, across, up);
+      Quadrant(x0, y0, xm, ym, across, up);
       x0 = xm;
       y1 = ym;
     }
+  }
+  // A quadrant below 2 on both sides has nothing to compute.
+  void Quadrant(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Shares& across, Shares& up) const {
+    if (x1 - x0 >= 2 || y1 - y0 >= 2) Subdivide(x0, y0, x1, y1, across, up);
   }
 };
 
@@ -138,7 +161,8 @@ void Regenerate(SmoulderingPaperCache& cache, int32_t width, int32_t height) {
     field.At(width - 1, 0) = static_cast<uint16_t>(Draw16());
     field.At(0, height - 1) = static_cast<uint16_t>(Draw16());
     field.At(width - 1, height - 1) = static_cast<uint16_t>(Draw16());
-    field.Subdivide(0, 0, width - 1, height - 1);
+    Field::Shares across(width), up(height);
+    field.Subdivide(0, 0, width - 1, height - 1, across, up);
   }
   cache.MapWidth = width;
   cache.MapHeight = height;
