@@ -91,6 +91,24 @@ void Transition(benchmark::State& state, const krl::emu::Host* host, const krl::
   CountFrames(state, size);
 }
 
+// Smouldering Paper caches its height field until the frame size, its degree
+// or its variation changes; this row changes the variation every frame, so
+// every frame pays for a new field.
+void RegeneratingEveryFrame(benchmark::State& state, const krl::emu::Host* host, const krl::emu::DeclaredEffect* effect,
+                            Size size) {
+  krl::emu::Instance instance(*host, *effect);
+  const Inputs& in = InputsOf(size);
+  Frame out(size.w, size.h);
+  int32_t frame = 0;
+  for (auto _ : state) {
+    instance.SetValue("Variations of Transition", 1 + frame % 5000);
+    instance.Render(in.a, in.b, out, kProgress[frame++ % std::size(kProgress)]);
+    benchmark::DoNotOptimize(out.pixels.data());
+    benchmark::ClobberMemory();
+  }
+  CountFrames(state, size);
+}
+
 // Collects each run's time per frame for the table at the end.
 class TableReporter : public benchmark::ConsoleReporter {
  public:
@@ -163,6 +181,9 @@ int main(int argc, char** argv) {
       add(e.DisplayName() + "/" + size.Name() + "/default", Transition, host.get(), &e, size, std::vector<std::string>{});
       const std::vector<std::string>& heavier = krl::emu::ProfileOf(e).heavier;
       if (!heavier.empty()) add(e.DisplayName() + "/" + size.Name() + "/heavier", Transition, host.get(), &e, size, heavier);
+      if (e.DisplayName() == "Smouldering Paper") {
+        add(e.DisplayName() + "/" + size.Name() + "/regenerating", RegeneratingEveryFrame, host.get(), &e, size);
+      }
     }
   }
   TableReporter reporter;

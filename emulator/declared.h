@@ -58,8 +58,11 @@ struct DeclaredEffect {
     }
     return nullptr;
   }
-  // The name a user knows it by: the last part of its menu path.
+  // The name a user knows it by: the context its texts are translated with
+  // (it differs from the last part of the menu path for one effect,
+  // "SmoulderingPaper"), or that last part when it translated no field text.
   std::string DisplayName() const {
+    if (!context.empty()) return context;
     const size_t slash = name.rfind('/');
     return slash == std::string::npos ? name : name.substr(slash + 1);
   }

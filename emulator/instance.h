@@ -55,6 +55,9 @@ class Instance {
   // Listed apart from the diagnostics, e.g. "GetFieldValue(field 0)".
   const std::vector<std::string>& fieldZeroCalls() const { return fieldZeroCalls_; }
   void* userData() const { return userData_; }
+  // What the host's SetUserData slot does; a test uses it to make a host that
+  // holds no user data for the instance (the test then owns what it held).
+  void ReplaceUserData(void* data) { userData_ = data; }
   // The defaults the library set, in the order it set them, e.g.
   // "SetFieldDefault(TransType, 0)".
   const std::vector<std::string>& defaultsSet() const { return defaultsSet_; }

@@ -20,6 +20,8 @@
   X(DitherDissolve)                           \
   X(FadeDissolve) /* "Traditional Fade" */    \
   X(FlashOver)                                \
+  X(Fractal)                                  \
+  X(HilbertMosaic)                            \
   X(Inset)                                    \
   X(IrisCross)                                \
   X(IrisDiamond)                              \
@@ -35,6 +37,7 @@
   X(SlidingBoxes)                             \
   X(SlidingDoors)                             \
   X(SlidingQuarters)                          \
+  X(SmoulderingPaper) /* "Smouldering Paper" */\
   X(Swap)                                     \
   X(Wipe)                                     \
   X(ZoomOut)

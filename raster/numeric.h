@@ -35,6 +35,22 @@ inline int32_t WrappingSubtract(int32_t a, int32_t b) {
   return static_cast<int32_t>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
 }
 
+// a * b and a + b in 32 bits, wrapping as the machine does.
+inline int32_t WrappingMultiply(int32_t a, int32_t b) {
+  return static_cast<int32_t>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b));
+}
+inline int32_t WrappingAdd(int32_t a, int32_t b) {
+  return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+}
+
+// a / b and a % b truncating toward zero, for any divisor: a zero divisor
+// gives 0 (a flat result instead of a fault) and INT32_MIN / -1 wraps.
+inline int32_t TruncatingQuotient(int32_t a, int32_t b) {
+  if (b == 0) return 0;
+  return b == -1 ? WrappingSubtract(0, a) : a / b;
+}
+inline int32_t TruncatingRemainder(int32_t a, int32_t b) { return b == 0 || b == -1 ? 0 : a % b; }
+
 // A value rounded to single precision (round to nearest), as a store to a
 // 32-bit float does; used where a product is rounded to single before it is
 // truncated.

@@ -1,0 +1,156 @@
+// The terrain generator: what it draws from rand() and in which order, what
+// a noise table replaces, how the border averages, and the colour blend.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <vector>
+
+#include "raster/terrain.h"
+#include "test_support.h"
+
+namespace krl {
+namespace {
+
+constexpr int32_t kSide = 129;
+constexpr unsigned kSeed = 4711;
+
+std::vector<int> DrawsAfterSeed(size_t count) {
+  std::srand(kSeed);
+  std::vector<int> draws(count);
+  for (int& d : draws) d = std::rand();
+  return draws;
+}
+
+// The rand() value that follows `draws` draws after srand(kSeed).
+int NextAfter(size_t draws) { return DrawsAfterSeed(draws + 1).back(); }
+
+// Called after srand(kSeed) and a generator call: it made `draws` draws.
+void ExpectDrewSinceSeed(size_t draws, const char* what) {
+  const int next = std::rand();
+  EXPECT_EQ(next, NextAfter(draws)) << what;
+}
+
+std::vector<int32_t> NoiseTable(int32_t side, unsigned seed) {
+  std::srand(seed);
+  std::vector<int32_t> noise(static_cast<size_t>(side) * side);
+  for (int32_t& v : noise) v = std::rand() % 1024 - 512;
+  return noise;
+}
+
+TEST(Terrain, DiamondSquareWithATableDrawsNothingAndRepeats) {
+  std::vector<int32_t> noise = NoiseTable(kSide, 99);
+  std::vector<int32_t> first(kSide * kSide, 0), second(kSide * kSide, 0);
+  std::srand(kSeed);
+  bxglGenerateTerrainDS(first.data(), kSide, 7, 100, 1024, noise.data());
+  ExpectDrewSinceSeed(0, "no draw with a noise table");
+  std::srand(12345);  // another rand() state changes nothing
+  bxglGenerateTerrainDS(second.data(), kSide, 7, 100, 1024, noise.data());
+  EXPECT_EQ(first, second);
+  EXPECT_EQ(first[0], noise[0]);
+  EXPECT_EQ(first[128], noise[128]);
+  EXPECT_EQ(first[128 * kSide + 128], noise[128 * kSide + 128]);
+}
+
+TEST(Terrain, DiamondSquareWithoutATableDrawsOncePerEntryCornersFirst) {
+  std::vector<int32_t> first(kSide * kSide, 0), second(kSide * kSide, 0);
+  std::srand(kSeed);
+  bxglGenerateTerrainDS(first.data(), kSide, 7, 200, 1000, nullptr);
+  ExpectDrewSinceSeed(kSide * kSide, "one draw per entry");
+  std::srand(kSeed);
+  bxglGenerateTerrainDS(second.data(), kSide, 7, 200, 1000, nullptr);
+  EXPECT_EQ(first, second);
+  // Corners (0, 0), (0, n), (n, n), (n, 0) from the first four draws.
+  const std::vector<int> d = DrawsAfterSeed(4);
+  const size_t corners[4] = {0, 128, 128 * kSide + 128, 128 * kSide};
+  for (int k = 0; k < 4; ++k) {
+    EXPECT_EQ(first[corners[k]], static_cast<int32_t>(((2.0 * d[k]) / 2147483647.0 - 1.0) * 1000)) << k;
+  }
+}
+
+TEST(Terrain, LevelZeroWritesOnlyTheCorners) {
+  constexpr int32_t kUnset = 0x5EED;
+  std::vector<int32_t> map(kSide * kSide, kUnset);
+  std::vector<int32_t> noise = NoiseTable(kSide, 3);
+  bxglGenerateTerrainDS(map.data(), kSide, 0, 255, 1024, noise.data());
+  for (size_t i = 0; i < map.size(); ++i) {
+    const bool corner = i == 0 || i == 128 || i == 128 * kSide || i == 128 * kSide + 128;
+    EXPECT_EQ(map[i], corner ? noise[i] : kUnset) << i;
+  }
+}
+
+// Size 3, one level, roughness 255 (every displacement is the table's value):
+// the centre averages four corners, every border point the three neighbours
+// it has, sums truncated toward zero.
+TEST(Terrain, BorderPointsAverageTheNeighboursTheyHave) {
+  const std::vector<int32_t> noise = {-10, 1, 3,  //
+                                      1,   1, 1,  //
+                                      -5,  1, 4};
+  std::vector<int32_t> map(9, 0);
+  bxglGenerateTerrainDS(map.data(), 3, 1, 255, 1024, const_cast<int32_t*>(noise.data()));
+  const int32_t centre = (-10 + 3 + 4 - 5) / 4 + 1;  // -1
+  EXPECT_EQ(map, (std::vector<int32_t>{-10, (-10 + centre + 3) / 3 + 1, 3,           //
+                                       (-10 + centre - 5) / 3 + 1, centre, (centre + 3 + 4) / 3 + 1,  //
+                                       -5, (-5 + centre + 4) / 3 + 1, 4}));
+  EXPECT_EQ(map[3], -4) << "-16 / 3 truncates to -5";
+}
+
+TEST(Terrain, RoughnessScalesEachLevel) {
+  std::vector<int32_t> noise(kSide * kSide, 0), flat(kSide * kSide, 0), rough(kSide * kSide, 0);
+  noise[64 * kSide + 64] = 1000;  // only the first centre is displaced
+  bxglGenerateTerrainDS(rough.data(), kSide, 7, 255, 0, noise.data());
+  bxglGenerateTerrainDS(flat.data(), kSide, 7, 1, 0, noise.data());
+  EXPECT_EQ(rough[64 * kSide + 64], 1000);
+  EXPECT_EQ(flat[64 * kSide + 64], 3) << "1000 / 255, truncated";
+}
+
+// The triangle subdivision: corners (draw mod range) - range / 2, half-sums
+// by arithmetic shift, displacement (A * noise) / n with A = step + roughness.
+TEST(Terrain, TriangleSubdivisionFromANoiseTable) {
+  const std::vector<int> d = DrawsAfterSeed(4);
+  const auto corner = [&](int k) { return d[k] % 3 - 1; };
+  std::vector<int32_t> map(9, 77), noise(9, 1);
+  std::srand(kSeed);
+  EXPECT_EQ(bxglGenerateTerrain2(map.data(), 3, 1, 3, 0, noise.data()), 1);
+  ExpectDrewSinceSeed(4, "only the corners are drawn");
+  const int32_t c00 = corner(0), c02 = corner(1), c22 = corner(2), c20 = corner(3);
+  EXPECT_EQ(map, (std::vector<int32_t>{c00, ((c00 + c02) >> 1) + 1, c02,                       //
+                                       ((c00 + c20) >> 1) + 1, ((c20 + c02) >> 1) + 1, ((c02 + c22) >> 1) + 1,  //
+                                       c20, ((c20 + c22) >> 1) + 1, c22}));
+}
+
+TEST(Terrain, TriangleSubdivisionReturnsTheLastStepAndDrawsSixPerCell) {
+  std::vector<int32_t> map(kSide * kSide, 0);
+  const struct {
+    int32_t levels, lastStep;
+  } rows[] = {{0, 128}, {1, 64}, {7, 1}, {9, 0}};
+  for (const auto& row : rows) EXPECT_EQ(bxglGenerateTerrain(map.data(), kSide, row.levels, 64, 8), row.lastStep);
+  std::srand(kSeed);
+  bxglGenerateTerrain(map.data(), 3, 1, 64, 8);
+  ExpectDrewSinceSeed(4 + 6, "four corners, six entries of the one cell");
+}
+
+TEST(Terrain, LerpColorEndsAndMiddle) {
+  const int32_t colours[] = {0, -1, 0x12345678, static_cast<int32_t>(0xFF00FF00), 0x7F80817E};
+  for (int32_t dst : colours) {
+    for (int32_t src : colours) {
+      int32_t keep = dst, take = dst;
+      bxglLerpColor(&keep, src, 0);
+      bxglLerpColor(&take, src, 255);
+      EXPECT_EQ(keep, dst);
+      EXPECT_EQ(take, src);
+    }
+  }
+  int32_t black = 0;
+  bxglLerpColor(&black, -1, 128);
+  EXPECT_EQ(static_cast<uint32_t>(black), 0x80808080u) << "(255 * 32896 + 32895) >> 16 = 128 in every byte";
+}
+
+TEST(Terrain, TheLibraryExportsTheToolkit) {
+  for (const char* name : {"bxglGenerateTerrainDS", "bxglGenerateTerrain", "bxglGenerateTerrain2", "bxglSubdivideTerrain",
+                           "bxglSubdivideTerrain2", "bxglLerpColor", "hilbert_a", "hilbert_b", "hilbert_c", "hilbert_d"}) {
+    EXPECT_NE(test::Library().Symbol(name), nullptr) << name;
+  }
+}
+
+}  // namespace
+}  // namespace krl

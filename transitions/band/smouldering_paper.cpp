@@ -1,0 +1,243 @@
+// Smouldering Paper: a burn-through. A random 16-bit height field (a plasma)
+// is made for the frame by rectangle subdivision, and a threshold rising with
+// the transition turns its lowest parts into B first; a band 2000 height
+// units wide around the threshold is painted with a gradient between two
+// colours, the glowing rim of the burning paper.
+//
+// The field is cached as the instance's user data, made lazily by the render
+// and made anew only when the frame size, the truncated "Degree of Accident"
+// or the variation changes; then rand() is reseeded with the variation, so
+// renders must not overlap. "TransType" exchanges the clips in locals only.
+// The record and the field are taken with malloc (the library is built
+// without exceptions or the C++ runtime) and freed by the deleter.
+#include <cstdlib>
+#include <cstring>
+
+#include "host/render_prologue.h"
+#include "host/transition.h"
+#include "raster/numeric.h"
+#include "raster/pixel_rows.h"
+
+namespace krl {
+namespace {
+
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Special/SmoulderingPaper",
+                             .signature = "It looks like smouldering paper",
+                             .displayName = "Smouldering Paper",
+                             .description = "It looks like smouldering paper."};
+
+ClipFields clip;
+FieldIndex randomSettings, color1, color2, variation;
+
+constexpr auto kFields = FieldTable(clip,
+    FloatA(&randomSettings, "RandomSettings", "Degree of Accident", 0.0, 255.0)
+        .Limits()
+        .Help("Specifies the appearance of the smouldering paper.")
+        .DefaultCurve({{0.5, 128.0}}),
+    Color(&color1, "Color1", "First Color")
+        .Help("Defines one color for the smouldering paper.")
+        .DefaultColor(170, 170, 170),
+    Color(&color2, "Color2", "Second color")
+        .Help("Defines another color for the smouldering paper.")
+        .DefaultColor(0, 0, 0),
+    Long(&variation, "Variations of Transition", "Variation (1..5000)", 1.0, 5000.0)
+        .Limits()
+        .Help("Choose different types of smouldering paper.")
+        .Default(2002));
+
+// The init sets its defaults in an order of its own: TransType, the
+// variation, the two colours, then the curve.
+constexpr std::array<FieldSpec, 5> kInitOrder{kFields[2], kFields[6], kFields[4], kFields[5], kFields[3]};
+
+int32_t SmoulderingPaperInit(t_KrRenderInfo* ri) { return InitDefaults(ri, kInitOrder); }
+
+// The instance's cache: the height field (MapWidth x MapHeight values, row
+// by row, 0 = not computed yet while it is made) and what it was made with.
+struct SmoulderingPaperCache {
+  uint16_t* Map;
+  int32_t Degree;
+  int32_t Seed;
+  int32_t MapWidth;
+  int32_t MapHeight;
+};
+
+void SmoulderingPaperDeleteUserData(t_KrRenderInfo* ri) {
+  auto* cache = static_cast<SmoulderingPaperCache*>(HostCalls(ri).UserData());
+  if (cache == nullptr) return;
+  std::free(cache->Map);
+  std::free(cache);
+}
+
+constexpr double kRandMax = 2147483647.0;
+
+// A draw scaled to 0..65535.
+int32_t Draw16() { return TruncToInt32(std::rand() * 65535.0 / kRandMax); }
+
+// The height field of one generation, with the weight of a rectangle.
+struct Field {
+  uint16_t* map;
+  int32_t degree, width, height;
+
+  uint16_t& At(int32_t x, int32_t y) const { return map[static_cast<size_t>(y) * static_cast<size_t>(width) + x]; }
+
+  // The midpoint of (p, q) displaced by one draw, in 32-bit arithmetic:
+  // the products wrap for any degree, the first division truncates toward
+  // zero, the shift is logical, the store keeps 16 bits.
+  static uint16_t Midpoint(int32_t p, int32_t q, int32_t a, int32_t b) {
+    const int32_t mixed = WrappingMultiply(p + q, b) / 2;
+    const uint32_t sum = static_cast<uint32_t>(mixed) + static_cast<uint32_t>(WrappingMultiply(Draw16(), a));
+    return static_cast<uint16_t>(sum >> 8);
+  }
+  void SetMidpoint(int32_t x, int32_t y, int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t a, int32_t b) const {
+    uint16_t& v = At(x, y);
+    if (v == 0) v = Midpoint(At(x1, y1), At(x2, y2), a, b);
+  }
+
+  // A side's share of the weight, (extent * 0.5) / frame side in single
+  // precision. Rectangles of one depth have few extents, so the last few
+  // quotients are kept instead of being divided anew for every rectangle.
+  struct Shares {
+    int32_t extent[64];
+    float share[64];
+    int32_t side;
+    explicit Shares(int32_t frameSide) : extent{}, share{}, side(frameSide) {
+      for (int32_t& e : extent) e = -1;
+    }
+    float Of(int32_t e) {
+      const int32_t slot = e & 63;
+      if (extent[slot] != e) {
+        extent[slot] = e;
+        share[slot] = static_cast<float>(e) * 0.5f / static_cast<float>(side);
+      }
+      return share[slot];
+    }
+  };
+
+  // The rectangle (x0, y0)-(x1, y1), corners included: its edge midpoints and
+  // centre, then its quadrants, the fourth by the loop. Every call halves
+  // both sides (rounding up) until both are below 2, and a quadrant that
+  // small is not entered, so calls nest at most 32 deep for any frame size
+  // (11 at 1920 x 1080), a few dozen bytes each.
+  void Subdivide(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Shares& across, Shares& up) const {
+    while (x1 - x0 >= 2 || y1 - y0 >= 2) {
+      const int32_t xm = x0 + (x1 - x0) / 2, ym = y0 + (y1 - y0) / 2;
+      const float share = up.Of(y1 - y0) + across.Of(x1 - x0);
+      const int32_t a = TruncToInt32(static_cast<double>(static_cast<float>(degree) * share));
+      const int32_t b = WrappingSubtract(256, a);
+      SetMidpoint(x0, ym, x0, y0, x0, y1, a, b);  // left
+      SetMidpoint(x1, ym, x1, y0, x1, y1, a, b);  // right
+      SetMidpoint(xm, y0, x0, y0, x1, y0, a, b);  // top
+      SetMidpoint(xm, y1, x0, y1, x1, y1, a, b);  // bottom
+      uint16_t& centre = At(xm, ym);
+      if (centre == 0) {
+        std::rand();  // drawn and not used
+        centre = static_cast<uint16_t>((At(x0, ym) + At(x1, ym) + At(xm, y0) + At(xm, y1)) >> 2);
+      }
+      Quadrant(x0, ym, xm, y1, across, up);
+      Quadrant(xm, ym, x1, y1, across, up);
+      Quadrant(x0, y0, xm, ym, across, up);
+      x0 = xm;
+      y1 = ym;
+    }
+  }
+  // A quadrant below 2 on both sides has nothing to compute.
+  void Quadrant(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Shares& across, Shares& up) const {
+    if (x1 - x0 >= 2 || y1 - y0 >= 2) Subdivide(x0, y0, x1, y1, across, up);
+  }
+};
+
+// Makes the field for a width x height frame (both positive) anew. When the
+// memory cannot be had, Map stays null and the frames are left untouched.
+void Regenerate(SmoulderingPaperCache& cache, int32_t width, int32_t height) {
+  std::free(cache.Map);
+  cache.Map = nullptr;
+  const size_t w = static_cast<size_t>(width), h = static_cast<size_t>(height);
+  if (w <= SIZE_MAX / sizeof(uint16_t) / h) cache.Map = static_cast<uint16_t*>(std::malloc(w * h * sizeof(uint16_t)));
+  if (cache.Map != nullptr) {
+    std::srand(static_cast<unsigned>(cache.Seed));
+    std::memset(cache.Map, 0, w * h * sizeof(uint16_t));
+    const Field field{cache.Map, cache.Degree, width, height};
+    field.At(0, 0) = static_cast<uint16_t>(Draw16());
+    field.At(width - 1, 0) = static_cast<uint16_t>(Draw16());
+    field.At(0, height - 1) = static_cast<uint16_t>(Draw16());
+    field.At(width - 1, height - 1) = static_cast<uint16_t>(Draw16());
+    Field::Shares across(width), up(height);
+    field.Subdivide(0, 0, width - 1, height - 1, across, up);
+  }
+  cache.MapWidth = width;
+  cache.MapHeight = height;
+}
+
+// The rim's 2001 pixels, from Color2 at T - 1000 to Color1 at T + 1000: each
+// byte trunc(C2 + (C1 - C2) * f) in single precision, f = i / 2000.
+struct Rim {
+  uint32_t pixel[2001];
+
+  Rim(uint32_t c1, uint32_t c2) {
+    for (int32_t i = 0; i <= 2000; ++i) {
+      const float f = static_cast<float>(i) / 2000.0f;
+      uint32_t out = 0;
+      for (int shift = 0; shift < 32; shift += 8) {
+        const int32_t one = (c1 >> shift) & 0xFF, two = (c2 >> shift) & 0xFF;
+        const float v = static_cast<float>(two) + static_cast<float>(one - two) * f;
+        out |= (static_cast<uint32_t>(TruncToInt32(static_cast<double>(v))) & 0xFF) << shift;
+      }
+      pixel[i] = out;
+    }
+  }
+};
+
+int32_t SmoulderingPaperRender(t_KrRenderInfo* ri) {
+  const uint8_t *inputA, *inputB;
+  if (!BeginRenderInLocals(ri, clip.transType, &inputA, &inputB)) return 0;
+  const HostCalls host(ri);
+  const int32_t width = ri->Width, height = ri->Height;
+  const int32_t degree = TruncToInt32(host.Curve(randomSettings));
+  const int32_t seed = host.Field(variation);
+
+  auto* cache = static_cast<SmoulderingPaperCache*>(host.UserData());
+  if (cache == nullptr) {
+    cache = static_cast<SmoulderingPaperCache*>(std::malloc(sizeof(SmoulderingPaperCache)));
+    if (cache == nullptr) return 1;  // no memory for the cache: the frame is left as it was
+    *cache = {nullptr, 128, 2002, 0, 0};
+    host.SetUserData(cache);
+  }
+  // An empty frame has no pixels to make a field for: nothing is drawn, and
+  // the cache stays as it was.
+  if (width <= 0 || height <= 0) return 1;
+  if (cache->Map == nullptr || cache->MapWidth != width || cache->MapHeight != height || cache->Degree != degree ||
+      cache->Seed != seed) {
+    cache->Degree = degree;
+    cache->Seed = seed;
+    Regenerate(*cache, width, height);
+    host.SetUserData(cache);
+  }
+  if (cache->Map == nullptr) return 1;
+
+  const Rim rim(host.PenColor(color1), host.PenColor(color2));
+  // A threshold below -1000 leaves every value above the rim, one above
+  // 66535 every value below it: clamped there, the comparisons stay exact
+  // and the sums below fit in 32 bits.
+  int32_t t = TruncToInt32(static_cast<double>(RoundToSingle(ri->Progress)) * 65535.0);
+  t = t < -2000 ? -2000 : (t > 70000 ? 70000 : t);
+
+  const FrameRows f{reinterpret_cast<const PixelWord*>(inputA), reinterpret_cast<const PixelWord*>(inputB),
+                    reinterpret_cast<PixelWord*>(ri->Output), width, height};
+  for (int32_t y = 0; y < height; ++y) {
+    const uint16_t* heights = cache->Map + f.RowStart(y);
+    const PixelWord* a = f.A(y);
+    const PixelWord* b = f.B(y);
+    PixelWord* out = f.Out(y);
+    for (int32_t x = 0; x < width; ++x) {
+      const int32_t i = heights[x] - t + 1000;  // 0 at T - 1000, 2000 at T + 1000
+      out[x] = i > 2000 ? a[x] : (i < 0 ? b[x] : rim.pixel[i]);
+    }
+  }
+  return 1;
+}
+
+}  // namespace
+}  // namespace krl
+
+KR_TRANSITION_WITH_USER_DATA(SmoulderingPaper, kTexts, kFields)
+KR_TEST_PROFILE("Smouldering Paper", .heavier = {"RandomSettings=255"}, .sharedState = true, .exchangesInLocals = true)
