@@ -63,12 +63,7 @@ Options ParseOptions(int argc, char** argv) {
     const std::string arg = argv[i];
     const std::string name = LongName(arg);
     const bool valued = std::find(std::begin(kValued), std::end(kValued), name) != std::end(kValued);
-    if (valued || name == "--quiet") {
-      if (name != "--set" && name != "--curve" && std::find(o.given.begin(), o.given.end(), name) != o.given.end()) {
-        throw UsageError(name + " is given twice");
-      }
-      o.given.push_back(name);
-    }
+    if (valued || name == "--quiet") o.given.push_back(name);
     auto value = [&]() -> std::string {
       if (i + 1 >= argc) throw UsageError(arg + " needs a value");
       return argv[++i];

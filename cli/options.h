@@ -28,7 +28,7 @@ struct Options {
   std::vector<std::string> given;  // the options given, by their long names, in order
 };
 
-// Unknown options and single options given twice are errors.
+// Unknown options are errors; of an option given twice the last counts.
 Options ParseOptions(int argc, char** argv);
 // Refuses every option given that `command` does not take (besides --library),
 // saying why where it is not plain, and more than `maxNames` transition names.

@@ -79,6 +79,10 @@ std::string CannotWrite(const fs::path& target, int error, const fs::path& in) {
 }
 
 void RemoveAbandoned(const fs::path& folder) {
+  // Inside a folder krl stages itself there is nothing abandoned to look for.
+  for (const fs::path& part : folder) {
+    if (part.string().rfind(kHiddenPrefix, 0) == 0) return;
+  }
   std::error_code ec;
   for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
     const std::string name = it->path().filename().string();
