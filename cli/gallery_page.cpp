@@ -99,7 +99,7 @@ const char* const kScript = R"(<script>
     const view = card.querySelector('.view');
     view.style.width = (w * s) + 'px';
     view.style.height = (h * s) + 'px';
-    card.querySelector('.player').style.width = 'max(' + (w * s) + 'px, 300px)';
+    card.querySelector('.player').style.width = 'max(' + (w * s) + 'px, 340px)';
     card.querySelector('img.frames').style.transform = s === 1 ? '' : 'scale(' + s + ')';
     card.querySelector('.enlarge').textContent = s === 1 ? 'Enlarge' : 'Shrink';
   };
@@ -180,7 +180,7 @@ std::string Card(const GalleryEntry& e, const GalleryLayout& layout) {
   c += ">\n<h3>" + Html(e.name) + " <a class=\"anchor\" href=\"#" + Html(e.folder) + "\" title=\"Link to " +
        Html(e.name) + "\">#</a></h3>\n<p class=\"menu\">" + Html(e.menuPath) + "</p>\n<div class=\"row\">\n";
   if (e.failure.empty()) {
-    c += "<div class=\"player\" style=\"width:max(" + w + "px,300px)\"><div class=\"view\" style=\"width:" + w +
+    c += "<div class=\"player\" style=\"width:max(" + w + "px,340px)\"><div class=\"view\" style=\"width:" + w +
          "px;height:" + h + "px\"><img class=\"frames\" src=\"" + Html(e.folder) + "/" + kFramesFile + "\" width=\"" + w +
          "\" height=\"" + h + "\" alt=\"" + Html(e.name) + ", animated\"></div>\n" +
          "<div class=\"controls\"><button class=\"play\" type=\"button\">Pause</button>"
