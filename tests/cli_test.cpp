@@ -14,7 +14,7 @@ namespace krl::test {
 namespace {
 
 TEST(Cli, RendersTraditionalFadeExactlyFromTheBuiltInClips) {
-  const std::string png = testing::TempDir() + "/krl_fade.png";
+  const std::string png = FreshFolder("fade") + "/fade.png";
   const Outcome r = Krl("render \"Traditional Fade\" --progress 0.25 -o " + png);
   ASSERT_EQ(r.exit, 0) << r.output;
   const emu::Frame out = cli::ReadImage(png);
@@ -120,7 +120,7 @@ TEST(Cli, SaysWhatIsWrongAndWritesNothing) {
   const std::string dir = FreshFolder("render_errors"), out = dir + "/never.png";
   std::filesystem::create_directories(dir + "/folder");
   const std::string render = "render \"Traditional Fade\" --progress 0.5 -o " + out + " ";
-  const std::string notLibrary = testing::TempDir() + "/krl_not_a_library.so";
+  const std::string notLibrary = dir + "/not_a_library.so";
   WriteFile(notLibrary, "not a shared object\n");
   const struct {
     std::string arguments;
@@ -170,7 +170,7 @@ TEST(Cli, SaysWhatIsWrongAndWritesNothing) {
 }
 
 TEST(Cli, RendersWithTheFieldsAndCurvesGiven) {
-  const std::string png = testing::TempDir() + "/krl_fields.png";
+  const std::string png = FreshFolder("fields") + "/fields.png";
   const std::vector<std::string> settings{"transition=\"image 2 > image 1\""}, curves{"Progression=0:0,1:0.5"};
   const Outcome r = Krl("render \"Traditional Fade\" --progress 0.5 --size 40x30 --set " + settings[0] + " --curve " +
                     curves[0] + " -o " + png);
@@ -181,7 +181,7 @@ TEST(Cli, RendersWithTheFieldsAndCurvesGiven) {
 }
 
 TEST(Cli, ScalesAnInputOfAnotherSizeAndSaysSo) {
-  const std::string small = testing::TempDir() + "/krl_small.png", out = testing::TempDir() + "/krl_scaled.png";
+  const std::string dir = FreshFolder("scaled"), small = dir + "/small.png", out = dir + "/scaled.png";
   cli::WritePng(emu::SampleClipB(32, 18), small);
   const Outcome r = Krl("render \"Traditional Fade\" --progress 1 --size 64x36 --b " + small + " -o " + out);
   ASSERT_EQ(r.exit, 0) << r.output;
