@@ -14,6 +14,7 @@
 namespace krl::cli {
 
 int Clip(const Options& options) {
+  AcceptOnly(options, {"--a", "--b", "--output", "--size", "--frames", "--fps", "--set", "--curve", "--quiet"}, 1);
   if (options.positional.size() != 1) throw UsageError("krl clip takes one transition name");
   if (options.output.empty()) throw UsageError("krl clip needs -o OUT (frames/%04d.png, out.y4m, out.mp4, ...)");
   if (options.frames.empty()) throw UsageError("krl clip needs --frames N");
@@ -25,11 +26,11 @@ int Clip(const Options& options) {
   ApplyFieldOptions(instance, options.settings, options.curves);
   InputClip a(options.a, emu::SampleClipA, fps), b(options.b, emu::SampleClipB, fps);
   const Size size = FitInputs(options.size, a, b, {640, 360});
-  const auto sink = OpenOutput(options.output, size, fps);
+  const auto sink = OpenOutput(options.output, size, fps, options.quiet);
 
   emu::Frame out(size.width, size.height);
   {
-    ProgressBar bar(instance.effect().DisplayName(), frames, options.quiet);
+    ProgressBar bar(instance.effect().DisplayName(), frames, options.quiet || sink->ToStandardOutput());
     for (int32_t i = 0; i < frames; ++i) {
       ThrowIfInterrupted();
       RenderFrame(instance, a.Next(), b.Next(), out, ProgressOf(i, frames));
@@ -39,9 +40,12 @@ int Clip(const Options& options) {
   }
   sink->Finish();
   if (!options.quiet) {
-    std::printf("wrote %s: %d frames of %s at %dx%d, %g fps\n", sink->Describe().c_str(), frames,
-                instance.effect().DisplayName().c_str(), size.width, size.height, fps);
+    const Size written = sink->WrittenSize();
+    std::fprintf(sink->ToStandardOutput() ? stderr : stdout, "wrote %s: %d frames of %s at %dx%d, %g fps\n",
+                 sink->Describe().c_str(), frames, instance.effect().DisplayName().c_str(), written.width,
+                 written.height, fps);
   }
+  if (const std::string replaced = sink->Replaced(); !replaced.empty()) std::fprintf(stderr, "krl: %s\n", replaced.c_str());
   return 0;
 }
 

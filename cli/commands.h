@@ -5,6 +5,7 @@
 
 namespace krl::cli {
 
+int Version(const Options& options);  // list_info.cpp
 int List(const Options& options);     // list_info.cpp
 int Info(const Options& options);     // list_info.cpp
 int Render(const Options& options);   // render.cpp

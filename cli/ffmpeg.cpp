@@ -58,7 +58,10 @@ FfmpegProcess::FfmpegProcess(const std::string& program, const std::vector<std::
   sigemptyset(&defaults);
   sigaddset(&defaults, SIGPIPE);
   posix_spawnattr_setsigdefault(&attributes, &defaults);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+  // In a process group of its own: Ctrl-C on the terminal reaches krl only,
+  // which stops ffmpeg itself, so that an interruption is reported as one.
+  posix_spawnattr_setpgroup(&attributes, 0);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
 
   std::vector<char*> argv{const_cast<char*>(program.c_str())};
   for (const std::string& a : arguments) argv.push_back(const_cast<char*>(a.c_str()));
@@ -118,6 +121,7 @@ std::string FfmpegProcess::Finish() {
   std::string last, line;
   std::rewind(messages_);
   for (int c; (c = std::fgetc(messages_)) != EOF;) {
+    said_ += static_cast<char>(c);
     if (c != '\n') {
       line += static_cast<char>(c);
     } else if (!line.empty()) {

@@ -34,8 +34,11 @@ class FfmpegProcess {
   // Closes the pipe and waits. Empty on success, else the program's last
   // message line (or how it ended).
   std::string Finish();
+  // Everything the program said on stderr, once Finish found it failed.
+  const std::string& said() const { return said_; }
 
  private:
+  std::string said_;
   pid_t pid_ = -1;
   int pipe_ = -1;
   FILE* messages_ = nullptr;

@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "cli/suggest.h"
+
 namespace krl::cli {
 namespace {
 
@@ -41,12 +43,17 @@ bool ParseDouble(const std::string& text, double* out) {
 
 const emu::DeclaredField& FindField(const emu::DeclaredEffect& effect, const std::string& name) {
   std::string valid;
+  std::vector<std::string> names;
   for (const emu::DeclaredField& f : effect.fields) {
     if (f.kind == "Input") continue;
     if (Lower(f.key) == Lower(name) || Lower(f.label) == Lower(name)) return f;
     valid += (valid.empty() ? "" : ", ") + f.key;
+    names.push_back(f.key);
   }
-  throw std::runtime_error(effect.DisplayName() + " has no field \"" + name + "\"; its fields are " + valid);
+  const std::string near = Closest(name, names);
+  throw std::runtime_error(effect.DisplayName() + " has no field \"" + name + "\"; " +
+                           (near.empty() ? "" : "did you mean " + near + "? ") + "its fields are " +
+                           (valid.empty() ? "none" : valid));
 }
 
 int32_t SelectorValue(const emu::DeclaredField& f, const std::string& text) {
@@ -59,19 +66,38 @@ int32_t SelectorValue(const emu::DeclaredField& f, const std::string& text) {
 }
 
 void CheckRange(const emu::DeclaredField& f, double v, const std::string& text) {
-  if (f.Limited() && (v < f.minimum || v > f.maximum)) {
+  if (f.Limited() && !(v >= f.minimum && v <= f.maximum)) {
     throw std::runtime_error(f.key + " takes " + Number(f.minimum) + " to " + Number(f.maximum) + ", not " + text);
   }
+}
+
+// A curve value outside the field's range (0..1 where it declares none) is
+// what a host may send, so it is kept; the user hears of it once a field.
+void NoteCurveValue(const emu::DeclaredField& f, double v, bool* said) {
+  const double low = f.hasRange ? f.minimum : 0.0, high = f.hasRange ? f.maximum : 1.0;
+  if ((v >= low && v <= high) || *said) return;
+  *said = true;
+  std::fprintf(stderr, "krl: %s %s is outside %s..%s; the library does not clamp it: the transition computes with it "
+               "as it is\n", f.key.c_str(), Number(v).c_str(), Number(low).c_str(), Number(high).c_str());
 }
 
 KrColor ParseColor(const emu::DeclaredField& f, const std::string& text) {
   unsigned r = 0, g = 0, b = 0;
   char tail = 0;
+  if (text.size() == 4 && text[0] == '#' && std::isxdigit(static_cast<unsigned char>(text[1])) &&
+      std::isxdigit(static_cast<unsigned char>(text[2])) && std::isxdigit(static_cast<unsigned char>(text[3]))) {
+    // #RGB stands for #RRGGBB.
+    const unsigned rgb = static_cast<unsigned>(std::strtoul(text.c_str() + 1, nullptr, 16));
+    r = (rgb >> 8) * 17;
+    g = ((rgb >> 4) & 15) * 17;
+    b = (rgb & 15) * 17;
+    return KrColor{static_cast<uint8_t>(b), static_cast<uint8_t>(g), static_cast<uint8_t>(r), 255};
+  }
   if ((text.size() == 7 && std::sscanf(text.c_str(), "#%2x%2x%2x%c", &r, &g, &b, &tail) == 3) ||
       (std::sscanf(text.c_str(), "%u,%u,%u%c", &r, &g, &b, &tail) == 3 && r < 256 && g < 256 && b < 256)) {
     return KrColor{static_cast<uint8_t>(b), static_cast<uint8_t>(g), static_cast<uint8_t>(r), 255};
   }
-  throw std::runtime_error(f.key + " is a colour: write #RRGGBB or r,g,b, not \"" + text + "\"");
+  throw std::runtime_error(f.key + " is a colour: write #RRGGBB, #RGB or r,g,b, not \"" + text + "\"");
 }
 
 bool IsCurve(const emu::DeclaredField& f) { return f.kind == "Alpha" || f.kind == "FloatA"; }
@@ -112,6 +138,7 @@ void ApplyCurve(emu::Instance& instance, const std::string& setting) {
                              (curves.empty() ? "none" : curves));
   }
   std::vector<emu::CurvePoint> points;
+  bool said = false;
   size_t start = 0;
   while (start <= text.size()) {
     const size_t comma = std::min(text.find(',', start), text.size());
@@ -124,6 +151,7 @@ void ApplyCurve(emu::Instance& instance, const std::string& setting) {
                                text + "\"");
     }
     CheckRange(f, p.value, point.substr(colon + 1));
+    NoteCurveValue(f, p.value, &said);
     emu::InsertCurvePoint(points, p);
     start = comma + 1;
   }
@@ -161,6 +189,8 @@ void ApplySetting(emu::Instance& instance, const std::string& setting) {
     double v = 0.0;
     if (!ParseDouble(text, &v)) throw std::runtime_error(f.key + " takes a number, not \"" + text + "\"");
     CheckRange(f, v, text);
+    bool said = false;
+    NoteCurveValue(f, v, &said);
     instance.SetConstant(f.key, v);
   }
 }
@@ -185,20 +215,6 @@ std::string FieldValueText(const emu::Instance& instance, const emu::DeclaredFie
   std::string curve = "curve";
   for (const emu::CurvePoint& p : instance.Curve(f.key)) curve += " (" + Number(p.position) + ", " + Number(p.value) + ")";
   return curve;
-}
-
-std::vector<std::string> DescribeField(const emu::Instance& instance, const emu::DeclaredField& f) {
-  char head[512];
-  std::snprintf(head, sizeof head, "%-14s %-9s \"%s\"", f.key.c_str(), f.kind.c_str(), f.label.c_str());
-  std::string line = head;
-  if (f.hasRange) line += "  range " + RangeText(f);
-  if (f.HasFlag("KrdfHideCurve")) line += "  (no curve)";
-  const std::string value = FieldValueText(instance, f);
-  if (!value.empty()) line += "  default " + value;
-  std::vector<std::string> lines{line};
-  if (!f.items.empty()) lines.push_back("               items: " + ItemList(f));
-  if (!f.help.empty()) lines.push_back("               " + f.help);
-  return lines;
 }
 
 }  // namespace krl::cli

@@ -20,10 +20,6 @@ void ApplyCurve(emu::Instance& instance, const std::string& setting);
 void ApplyFieldOptions(emu::Instance& instance, const std::vector<std::string>& settings,
                        const std::vector<std::string>& curves);
 
-// One field as text: kind, key, label, range, flags, items and the value the
-// instance holds (after init: the default).
-std::vector<std::string> DescribeField(const emu::Instance& instance, const emu::DeclaredField& field);
-
 // The instance's value of the field: "0 \"Image 1 > Image 2\"", "on", "#FF2000",
 // "curve (0, 0) (1, 1)"; empty for an input.
 std::string FieldValueText(const emu::Instance& instance, const emu::DeclaredField& field);

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 #include <set>
+#include <algorithm>
 
 #include "cli/commands.h"
 #include "cli/ffmpeg.h"
@@ -40,17 +41,59 @@ std::string InputsText(const Options& options) {
   return (options.a.empty() ? "sample clip A" : options.a) + " and " + (options.b.empty() ? "sample clip B" : options.b);
 }
 
-// A folder at `dir` is replaced only when it is empty or a gallery of ours.
+// A file of the gallery a krl older than the list of files wrote: index.html
+// and the pictures in the folders of its transitions.
+bool OlderGalleryFile(const fs::path& relative) {
+  const std::string name = relative.filename().string();
+  if (relative == "index.html") return true;
+  return std::distance(relative.begin(), relative.end()) == 2 &&
+         (name == kFramesFile || name == kFilmstripFile || name == "preview.webp");
+}
+
+// A folder at `dir` is replaced only when it is empty or holds nothing but a
+// gallery krl wrote; else the error names what is in the way.
 void CheckReplaceable(const fs::path& dir) {
   std::error_code ec;
   if (!fs::exists(dir, ec)) return;
-  if (!fs::is_directory(dir, ec)) throw std::runtime_error(dir.string() + " exists and is not a folder");
+  if (!fs::is_directory(dir, ec)) throw std::runtime_error("cannot write " + dir.string() + ": it is a file, not a folder");
   if (fs::is_empty(dir, ec)) return;
-  std::ifstream page(dir / "index.html");
-  const std::string text((std::istreambuf_iterator<char>(page)), std::istreambuf_iterator<char>());
-  if (text.find(kGalleryMarker) == std::string::npos) {
-    throw std::runtime_error(dir.string() + " exists and is not a gallery krl wrote; name an empty or new folder");
+  std::ifstream in(dir / "index.html");
+  const std::string page((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  const bool gallery = page.find(kGalleryMarker) != std::string::npos;
+  std::vector<std::string> listed;
+  const bool hasList = gallery && ListedFiles(page, &listed);
+  const std::set<std::string> ours(listed.begin(), listed.end());
+  std::set<std::string> folders;  // the folders that hold files of the gallery
+  for (const std::string& file : listed) {
+    for (fs::path p = fs::path(file).parent_path(); !p.empty(); p = p.parent_path()) folders.insert(p.string());
   }
+  std::vector<std::string> inTheWay;
+  for (auto it = fs::recursive_directory_iterator(dir, ec); !ec && it != fs::recursive_directory_iterator();
+       it.increment(ec)) {
+    const fs::path relative = it->path().lexically_relative(dir);
+    const bool folder = it->is_directory(ec);
+    bool mine = false;
+    if (!gallery) {
+      mine = false;
+    } else if (hasList) {
+      mine = folder ? folders.count(relative.string()) > 0 : ours.count(relative.string()) > 0;
+    } else {
+      mine = folder ? std::distance(relative.begin(), relative.end()) == 1 && fs::exists(it->path() / kFramesFile, ec)
+                    : OlderGalleryFile(relative);
+    }
+    if (mine) continue;
+    inTheWay.push_back(relative.string() + (folder ? "/" : ""));
+    if (folder) it.disable_recursion_pending();  // named whole
+  }
+  if (inTheWay.empty()) return;
+  std::sort(inTheWay.begin(), inTheWay.end());
+  std::string named;
+  for (size_t i = 0; i < inTheWay.size() && i < 5; ++i) named += (i == 0 ? "" : ", ") + inTheWay[i];
+  if (inTheWay.size() > 5) named += " and " + std::to_string(inTheWay.size() - 5) + " more";
+  throw std::runtime_error("cannot write the gallery to " + dir.string() + ": " +
+                           (gallery ? "besides a gallery of krl it holds " : "it is not a gallery krl wrote and holds ") +
+                           named + "; move " + (inTheWay.size() == 1 ? "it" : "them") +
+                           " away or name an empty or new folder");
 }
 
 std::vector<GalleryField> FieldsOf(const emu::Instance& instance) {
@@ -152,7 +195,7 @@ class PreviewEncoder {
 
 int Gallery(const Options& options) {
   if (options.output.empty()) throw UsageError("krl gallery needs -o DIR");
-  if (!options.positional.empty()) throw UsageError("krl gallery takes no transition name: it shows them all");
+  AcceptOnly(options, {"--output", "--size", "--frames", "--fps", "--a", "--b", "--quiet"}, 0);
   const int32_t frames = options.frames.empty() ? 25 : ParseCount("--frames", options.frames, 2, 1000);
   const double fps = options.fps.empty() ? 25.0 : ParsePositive("--fps", options.fps, 100.0);
   const fs::path dir = options.output;

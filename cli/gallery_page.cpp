@@ -20,6 +20,9 @@ std::string Html(const std::string& text) {
   return out;
 }
 
+// The list of the gallery's files that ends its page.
+constexpr const char* kFilesOpening = "<!-- krl gallery files\n";
+
 std::string MenuOf(const GalleryEntry& e) {
   const size_t slash = e.menuPath.rfind('/');
   return slash == std::string::npos ? "" : e.menuPath.substr(0, slash);
@@ -45,10 +48,19 @@ h2 { margin: 26px 0 8px; font-size: 19px; border-bottom: 2px solid #c9c5bb; }
 .effect h3 { margin: 0; font-size: 17px; }
 .menu { margin: 0 0 6px; color: #6b6b70; font-size: 13px; }
 .row { display: flex; gap: 22px; flex-wrap: wrap; align-items: flex-start; }
-.player img.frames { display: block; object-fit: none; object-position: 0 0; background: #000; }
+.player .view { overflow: hidden; background: #000; }
+.player img.frames { display: block; object-fit: none; object-position: 0 0; transform-origin: 0 0; }
+.effect h3 a.anchor { color: #b0b0b8; text-decoration: none; margin-left: 6px; font-weight: normal; }
+.effect h3 a.anchor:hover { color: #3060c0; }
+#selftest { position: fixed; right: 12px; bottom: 12px; margin: 0; padding: 10px 14px; max-width: 420px;
+  white-space: pre-wrap; font: 12px/1.4 monospace; background: #fff; border: 3px solid #888; border-radius: 6px;
+  box-shadow: 0 2px 8px #0004; z-index: 10; }
+#selftest.passed { border-color: #2a8a3a; }
+#selftest.failed { border-color: #c02020; }
 .controls { display: flex; align-items: center; gap: 8px; margin-top: 6px; }
 .controls input { flex: 1; }
 .controls output { font: 12px monospace; min-width: 9em; }
+.controls input { min-width: 100px; }
 .controls button { font-size: 12px; min-width: 4.5em; }
 .about { flex: 1; min-width: 300px; }
 table { border-collapse: collapse; font-size: 13px; }
@@ -80,12 +92,25 @@ const char* const kScript = R"(<script>
     card.playing = playing;
     card.querySelector('.play').textContent = playing ? 'Pause' : 'Play';
   };
+  // The player at 1x, or enlarged to 2x (the frames are scaled, not re-rendered).
+  const setScale = (card, s) => {
+    const w = Number(card.dataset.width), h = Number(card.dataset.height);
+    card.scale = s;
+    const view = card.querySelector('.view');
+    view.style.width = (w * s) + 'px';
+    view.style.height = (h * s) + 'px';
+    card.querySelector('.player').style.width = 'max(' + (w * s) + 'px, 340px)';
+    card.querySelector('img.frames').style.transform = s === 1 ? '' : 'scale(' + s + ')';
+    card.querySelector('.enlarge').textContent = s === 1 ? 'Enlarge' : 'Shrink';
+  };
   for (const card of cards) {
     show(card, 0);
     setPlaying(card, true);
+    setScale(card, 1);
     const scrub = card.querySelector('.scrub');
     scrub.addEventListener('input', () => { setPlaying(card, false); show(card, Number(scrub.value)); });
     card.querySelector('.play').addEventListener('click', () => setPlaying(card, !card.playing));
+    card.querySelector('.enlarge').addEventListener('click', () => setScale(card, card.scale === 1 ? 2 : 1));
   }
   setInterval(() => {
     for (const card of cards) {
@@ -101,6 +126,7 @@ const char* const kScript = R"(<script>
     const lines = ['images ' + (images.length - broken.length) + '/' + images.length, 'broken ' + broken.join(' '),
                    'cards ' + cards.length];
     const first = cards[0];
+    let moved = false, enlarged = false;
     if (first) {
       const scrub = first.querySelector('.scrub'), img = first.querySelector('img.frames');
       const move = (k) => { scrub.value = k; scrub.dispatchEvent(new Event('input')); return img.style.objectPosition; };
@@ -109,10 +135,23 @@ const char* const kScript = R"(<script>
       lines.push('slider ' + (first.frame === k && at0 !== atK && !first.playing ? 'moves' : 'stuck'));
       lines.push('frame ' + first.id + ' ' + k);
       const r = img.getBoundingClientRect();
+      const enlarge = first.querySelector('.enlarge');
+      enlarge.click();
+      const big = img.getBoundingClientRect();
+      enlarge.click();
+      const back = img.getBoundingClientRect();
+      enlarged = Math.round(big.width) === 2 * Math.round(r.width) && Math.round(back.width) === Math.round(r.width);
+      lines.push('enlarge ' + (enlarged ? 'works' : 'stuck'));
       lines.push('view ' + [r.left, r.top, r.width, r.height].map(Math.round).join(' '));
+      moved = first.frame === k && at0 !== atK && !first.playing;
     }
     lines.push('errors ' + krlErrors.length + ' ' + krlErrors.join(' | '));
-    document.getElementById('selftest').textContent = lines.join('\n') + '\n';
+    const passed = broken.length === 0 && krlErrors.length === 0 && cards.length > 0 && moved && enlarged;
+    lines.unshift('result ' + (passed ? 'passed' : 'failed'));
+    const out = document.getElementById('selftest');
+    out.textContent = 'Self-test of this page\n' + lines.join('\n') + '\n';
+    out.className = passed ? 'passed' : 'failed';
+    out.hidden = false;
   });
 })();
 </script>
@@ -135,12 +174,17 @@ std::string FieldsTable(const GalleryEntry& e) {
 std::string Card(const GalleryEntry& e, const GalleryLayout& layout) {
   const std::string w = std::to_string(layout.size.width), h = std::to_string(layout.size.height);
   std::string c = "<article class=\"effect\" id=\"" + Html(e.folder) + "\"";
-  if (e.failure.empty()) c += " data-frames=\"" + std::to_string(layout.frames) + "\" data-height=\"" + h + "\"";
-  c += ">\n<h3>" + Html(e.name) + "</h3>\n<p class=\"menu\">" + Html(e.menuPath) + "</p>\n<div class=\"row\">\n";
   if (e.failure.empty()) {
-    c += "<div class=\"player\" style=\"width:max(" + w + "px,300px)\"><img class=\"frames\" src=\"" + Html(e.folder) + "/" +
-         kFramesFile + "\" width=\"" + w + "\" height=\"" + h + "\" alt=\"" + Html(e.name) + ", animated\">\n" +
+    c += " data-frames=\"" + std::to_string(layout.frames) + "\" data-width=\"" + w + "\" data-height=\"" + h + "\"";
+  }
+  c += ">\n<h3>" + Html(e.name) + " <a class=\"anchor\" href=\"#" + Html(e.folder) + "\" title=\"Link to " +
+       Html(e.name) + "\">#</a></h3>\n<p class=\"menu\">" + Html(e.menuPath) + "</p>\n<div class=\"row\">\n";
+  if (e.failure.empty()) {
+    c += "<div class=\"player\" style=\"width:max(" + w + "px,340px)\"><div class=\"view\" style=\"width:" + w +
+         "px;height:" + h + "px\"><img class=\"frames\" src=\"" + Html(e.folder) + "/" + kFramesFile + "\" width=\"" + w +
+         "\" height=\"" + h + "\" alt=\"" + Html(e.name) + ", animated\"></div>\n" +
          "<div class=\"controls\"><button class=\"play\" type=\"button\">Pause</button>"
+         "<button class=\"enlarge\" type=\"button\">Enlarge</button>"
          "<input class=\"scrub\" type=\"range\" min=\"0\" max=\"" + std::to_string(layout.frames - 1) +
          "\" value=\"0\" aria-label=\"Progress\"><output class=\"progress\">Progress 0.000</output></div></div>\n";
   }
@@ -189,7 +233,7 @@ std::string GalleryPage(const std::vector<GalleryEntry>& entries, const GalleryL
   page += "<header><h1>Transitions gallery</h1>\n<p>" + std::to_string(entries.size()) + (entries.size() == 1 ? " transition of " : " transitions of ") +
           Html(layout.library) + ", with their default fields, from " + Html(layout.inputs) + " at " +
           std::to_string(layout.size.width) + "x" + std::to_string(layout.size.height) + "; Progress runs from 0 to 1 over " +
-          std::to_string(layout.frames) + " frames. Drag a slider to scrub.</p>\n<nav>";
+          std::to_string(layout.frames) + " frames. Drag a slider to scrub; the # beside a name links to it.</p>\n<nav>";
   for (const std::string& menu : menus) {
     page += "<a href=\"#menu-" + Slug(menu) + "\">" + Html(menu) + " (" + std::to_string(byMenu[menu].size()) + ")</a> ";
   }
@@ -199,8 +243,33 @@ std::string GalleryPage(const std::vector<GalleryEntry>& entries, const GalleryL
     for (const GalleryEntry* e : byMenu[menu]) page += Card(*e, layout);
     page += "</section>\n";
   }
-  page += "</main>\n<pre id=\"selftest\" hidden></pre>\n";
-  return page + kScript + "</body>\n</html>\n";
+  page += std::string("</main>\n<pre id=\"selftest\" hidden></pre>\n") + kScript + "</body>\n</html>\n";
+  page += kFilesOpening;
+  for (const std::string& file : GalleryFiles(entries)) page += file + "\n";
+  return page + "-->\n";
+}
+
+std::vector<std::string> GalleryFiles(const std::vector<GalleryEntry>& entries) {
+  std::vector<std::string> files{"index.html"};
+  for (const GalleryEntry& e : entries) {
+    if (!e.failure.empty()) continue;
+    files.push_back(e.folder + "/" + kFramesFile);
+    files.push_back(e.folder + "/" + kFilmstripFile);
+    if (!e.animation.empty()) files.push_back(e.folder + "/" + e.animation);
+  }
+  return files;
+}
+
+bool ListedFiles(const std::string& page, std::vector<std::string>* files) {
+  const size_t at = page.rfind(kFilesOpening);
+  if (at == std::string::npos) return false;
+  size_t start = at + std::string(kFilesOpening).size();
+  for (size_t end; (end = page.find('\n', start)) != std::string::npos; start = end + 1) {
+    const std::string line = page.substr(start, end - start);
+    if (line == "-->") break;
+    files->push_back(line);
+  }
+  return true;
 }
 
 }  // namespace krl::cli

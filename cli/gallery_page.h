@@ -43,4 +43,11 @@ std::string GalleryPage(const std::vector<GalleryEntry>& entries, const GalleryL
 // What marks a folder as a gallery krl wrote (and may replace).
 inline constexpr const char* kGalleryMarker = "<meta name=\"generator\" content=\"krl gallery\">";
 
+// Every file the gallery of `entries` consists of, relative to its folder,
+// index.html included. The page lists them at its end, so that a later run
+// knows what it may replace.
+std::vector<std::string> GalleryFiles(const std::vector<GalleryEntry>& entries);
+// The files a page lists; false when it lists none (a page of an older krl).
+bool ListedFiles(const std::string& page, std::vector<std::string>* files);
+
 }  // namespace krl::cli

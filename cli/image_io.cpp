@@ -1,6 +1,10 @@
 #include "cli/image_io.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
 #include <cstring>
 #include <memory>
 #include <stdexcept>
@@ -52,27 +56,76 @@ emu::Frame ReadImage(const std::string& path) {
 
 namespace {
 
+void Append(void* context, void* data, int size) {
+  auto* bytes = static_cast<std::vector<uint8_t>*>(context);
+  bytes->insert(bytes->end(), static_cast<uint8_t*>(data), static_cast<uint8_t*>(data) + size);
+}
+
+// The picture encoded in memory by `encode`, then written whole (staged) or
+// to standard output for "-"; errors name the file and the reason.
 template <typename Encode>
-void WriteStaged(const emu::Frame& frame, const std::string& path, Encode encode) {
+void WriteEncoded(const emu::Frame& frame, const std::string& path, Encode encode) {
   if (frame.pixels.empty()) throw std::runtime_error("cannot write " + path + ": the picture is empty");
   const std::vector<uint8_t> rgba = ToRgbaRows(frame);
+  std::vector<uint8_t> bytes;
+  if (!encode(&bytes, rgba.data())) throw std::runtime_error("cannot write " + path + ": the picture cannot be encoded");
+  if (path == "-") {
+    if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() || std::fflush(stdout) != 0) {
+      throw std::runtime_error("cannot write to standard output: " + std::string(std::strerror(errno)));
+    }
+    return;
+  }
   StagedFile file(path);
-  if (!encode(file.path().c_str(), rgba.data())) throw std::runtime_error("cannot write " + path);
+  FILE* out = std::fopen(file.path().c_str(), "wb");
+  if (out == nullptr) throw std::runtime_error(CannotWrite(path, errno));
+  const bool written = std::fwrite(bytes.data(), 1, bytes.size(), out) == bytes.size();
+  const int error = errno;
+  if (std::fclose(out) != 0 || !written) throw std::runtime_error(CannotWrite(path, written ? errno : error));
   file.Commit();
+}
+
+std::string LowerExtension(const std::string& path) {
+  std::string ext = std::filesystem::path(path).extension().string();
+  for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return ext;
 }
 
 }  // namespace
 
 void WritePng(const emu::Frame& frame, const std::string& path) {
-  WriteStaged(frame, path, [&](const char* name, const uint8_t* rgba) {
-    return stbi_write_png(name, frame.width, frame.height, 4, rgba, frame.width * 4) != 0;
+  WriteEncoded(frame, path, [&](std::vector<uint8_t>* bytes, const uint8_t* rgba) {
+    return stbi_write_png_to_func(Append, bytes, frame.width, frame.height, 4, rgba, frame.width * 4) != 0;
   });
 }
 
 void WriteJpeg(const emu::Frame& frame, const std::string& path, int quality) {
-  WriteStaged(frame, path, [&](const char* name, const uint8_t* rgba) {
-    return stbi_write_jpg(name, frame.width, frame.height, 4, rgba, quality) != 0;
+  WriteEncoded(frame, path, [&](std::vector<uint8_t>* bytes, const uint8_t* rgba) {
+    return stbi_write_jpg_to_func(Append, bytes, frame.width, frame.height, 4, rgba, quality) != 0;
   });
+}
+
+std::string ImageFormatOf(const std::string& path) {
+  if (path == "-") return "PNG";
+  const std::string ext = LowerExtension(path);
+  if (ext == ".png") return "PNG";
+  if (ext == ".jpg" || ext == ".jpeg") return "JPEG";
+  if (ext == ".bmp") return "BMP";
+  if (ext == ".tga") return "TGA";
+  return "";
+}
+
+void WriteImage(const emu::Frame& frame, const std::string& path) {
+  const std::string format = ImageFormatOf(path);
+  if (format == "PNG") return WritePng(frame, path);
+  if (format == "JPEG") return WriteJpeg(frame, path, 95);
+  if (format == "BMP" || format == "TGA") {
+    return WriteEncoded(frame, path, [&](std::vector<uint8_t>* bytes, const uint8_t* rgba) {
+      return (format == "BMP" ? stbi_write_bmp_to_func(Append, bytes, frame.width, frame.height, 4, rgba)
+                              : stbi_write_tga_to_func(Append, bytes, frame.width, frame.height, 4, rgba)) != 0;
+    });
+  }
+  throw std::runtime_error("cannot write " + path + ": krl writes a frame as PNG (.png), JPEG (.jpg), BMP (.bmp) or " +
+                           "TGA (.tga), or as PNG to standard output (-o -)");
 }
 
 emu::Frame Strip(const std::vector<const emu::Frame*>& frames, bool horizontal, int32_t gap, uint32_t background) {

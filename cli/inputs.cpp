@@ -36,7 +36,27 @@ int HeaderValue(const std::string& header, const std::string& key) {
   return at == std::string::npos ? -1 : std::atoi(header.c_str() + at + key.size() + 2);
 }
 
+// ffmpeg's last words on a file it could not read, in a user's terms.
+std::string WhyUnreadable(const std::string& said) {
+  if (said.empty() || said.find("does not contain any stream") != std::string::npos ||
+      said.find("matches no streams") != std::string::npos) {
+    return "it holds no video (no pictures; sound alone is not enough)";
+  }
+  if (said.find("Invalid data found") != std::string::npos) return "it is not a picture or video that ffmpeg can read";
+  return "ffmpeg says \"" + said + "\"";
+}
+
+Size gFrameSize{0, 0};
+
 }  // namespace
+
+std::string FrameSizeText() {
+  if (gFrameSize.width == 0) return "";
+  const double mib = 4.0 * gFrameSize.width * gFrameSize.height / (1024.0 * 1024.0);
+  char text[96];
+  std::snprintf(text, sizeof text, " (%dx%d, %.0f MiB a frame)", gFrameSize.width, gFrameSize.height, mib);
+  return text;
+}
 
 InputClip::InputClip(std::string path, SampleClip sample, double fps) : path_(std::move(path)), sample_(sample) {
   if (path_.empty()) return;
@@ -59,8 +79,7 @@ InputClip::InputClip(std::string path, SampleClip sample, double fps) : path_(st
                                "image2pipe", "-c:v", "pam", "-pix_fmt", "rgba", "-"},
       FfmpegProcess::Direction::kRead);
   if (!ReadVideoFrame(&native_)) {
-    const std::string why = video_->Finish();
-    throw std::runtime_error("cannot read " + path_ + ": " + (why.empty() ? "it holds no video frame" : why));
+    throw std::runtime_error("cannot read " + path_ + ": " + WhyUnreadable(video_->Finish()));
   }
 }
 
@@ -119,6 +138,7 @@ Size FitInputs(const std::string& sizeOption, InputClip& a, InputClip& b, Size f
       throw UsageError("the inputs are larger than 16384 pixels: name a smaller --size");
     }
   }
+  gFrameSize = size;
   a.FitTo(size);
   b.FitTo(size);
   return size;

@@ -45,5 +45,7 @@ class InputClip {
 // --size, else the size of the first input that has one, else `fallback`;
 // fits both inputs to it.
 Size FitInputs(const std::string& sizeOption, InputClip& a, InputClip& b, Size fallback);
+// " (1920x1080, 8 MiB a frame)" for the size FitInputs chose; empty before.
+std::string FrameSizeText();
 
 }  // namespace krl::cli

@@ -5,6 +5,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
+#include <vector>
+
+#include "cli/suggest.h"
 
 namespace krl::cli {
 
@@ -30,8 +33,31 @@ std::unique_ptr<emu::Host> LoadLibrary(const std::string& option) {
 const emu::DeclaredEffect& FindEffect(const emu::Host& host, const std::string& name) {
   if (const emu::DeclaredEffect* e = host.FindEffect(name)) return *e;
   std::string known;
-  for (const emu::DeclaredEffect& e : host.effects()) known += (known.empty() ? "" : ", ") + e.DisplayName();
+  std::vector<std::string> names;
+  for (const emu::DeclaredEffect& e : host.effects()) {
+    known += (known.empty() ? "" : ", ") + e.DisplayName();
+    names.push_back(e.DisplayName());
+    names.push_back(e.name);
+  }
+  if (const std::string near = Closest(name, names); !near.empty()) {
+    throw std::runtime_error("no transition is called \"" + name + "\"; did you mean \"" + near + "\"?");
+  }
   throw std::runtime_error("no transition is called \"" + name + "\"; there are: " + known);
+}
+
+std::string LibraryAbi(const std::string& path) {
+  unsigned char header[20] = {};
+  FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) return "unknown";
+  const size_t n = std::fread(header, 1, sizeof header, file);
+  std::fclose(file);
+  if (n < sizeof header || header[0] != 0x7F || header[1] != 'E' || header[2] != 'L' || header[3] != 'F') {
+    return "unknown";
+  }
+  const unsigned machine = header[5] == 1 ? header[18] | (header[19] << 8) : (header[18] << 8) | header[19];
+  if (header[4] == 1 && machine == 3) return "i386 (32-bit x86)";
+  if (header[4] == 2 && machine == 62) return "x86-64";
+  return std::string(header[4] == 1 ? "32" : "64") + "-bit ELF, machine " + std::to_string(machine);
 }
 
 double ProgressOf(int32_t index, int32_t count) {

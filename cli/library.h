@@ -17,7 +17,10 @@ std::string LibraryPath(const std::string& option);
 // Throws with one line when the library cannot be loaded or declares what
 // the host cannot run.
 std::unique_ptr<emu::Host> LoadLibrary(const std::string& option);
-// By name or menu path; the error lists every declared name.
+// The ABI of the library file at `path`, from its ELF header: "i386 (32-bit
+// x86)", "x86-64"; "unknown" when it is no ELF file.
+std::string LibraryAbi(const std::string& path);
+// By name or menu path; the error suggests the nearest name or lists them all.
 const emu::DeclaredEffect& FindEffect(const emu::Host& host, const std::string& name);
 
 // Progress of frame `index` of a clip of `count` frames: 0 at the first, 1

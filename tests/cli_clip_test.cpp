@@ -3,7 +3,10 @@
 // answered with one line, a non-zero exit and nothing left behind.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <cstring>
+#include <filesystem>
 
 #include "cli/image_io.h"
 #include "cli/outputs.h"
@@ -19,16 +22,34 @@ TEST(Clip, WritesAPngSequenceOfEveryFrame) {
   const struct {
     std::string options;
     std::vector<std::string> settings, curves;
+    int older;  // frames of an older sequence of the same pattern already there
   } rows[] = {
-      {"", {}, {}},
-      {"--set TransType=1 --curve Progression=0:0.25,1:0.75", {"TransType=1"}, {"Progression=0:0.25,1:0.75"}},
+      {"", {}, {}, 0},
+      {"--set TransType=1 --curve Progression=0:0.25,1:0.75", {"TransType=1"}, {"Progression=0:0.25,1:0.75"}, 0},
+      {"", {}, {}, 12},
   };
   for (const auto& row : rows) {
     const std::string dir = FreshFolder("clip_png");
+    std::filesystem::create_directories(dir + "/frames");
+    // What is not of the pattern stays: another pattern, other names.
+    for (const char* mine : {"/frames/notes.txt", "/frames/0009.jpg", "/frames/x0009.png", "/frames/009.png"}) {
+      WriteFile(dir + mine, "mine\n");
+    }
+    for (int i = 0; i < row.older; ++i) {
+      char name[64];
+      std::snprintf(name, sizeof name, "/frames/%04d.png", i);
+      WriteFile(dir + name, "older\n");
+    }
     const Outcome r = Krl(std::string("clip ") + kFade + " --frames 4 --size 24x14 " + row.options + " -o " + dir +
                       "/frames/%04d.png");
     ASSERT_EQ(r.exit, 0) << r.output;
     EXPECT_NE(r.output.find("wrote a PNG sequence in " + dir + "/frames/: 4 frames"), std::string::npos) << r.output;
+    EXPECT_EQ(r.output.find("krl: replaced an older sequence of 12 frames named %04d.png in " + dir +
+                            "/frames/ (its 8 frames past these were removed)") != std::string::npos,
+              row.older > 0) << r.output;
+    for (const char* mine : {"/frames/notes.txt", "/frames/0009.jpg", "/frames/x0009.png", "/frames/009.png"}) {
+      EXPECT_EQ(ReadFile(dir + mine), "mine\n") << mine;
+    }
     for (int i = 0; i < 4; ++i) {
       char name[64];
       std::snprintf(name, sizeof name, "/frames/%04d.png", i);
@@ -124,6 +145,10 @@ TEST(Clip, SaysWhatIsWrongAndLeavesNothingBehind) {
   const std::string dir = FreshFolder("clip_errors");
   const std::string text = dir + "/text", textPng = dir + "/text.png", textMp4 = dir + "/text.mp4";
   for (const std::string& f : {text, textPng, textMp4}) WriteFile(f, "no picture here\n");
+  const std::string sound = dir + "/sound.wav";
+  if (HaveFfmpeg()) Shell("ffmpeg -nostdin -v error -f lavfi -i sine=duration=0.2 -y " + sound);
+  // An x86-64 krl is held to 1.5 GiB; an i386 one has no more than 4 GiB of addresses anyway.
+  const std::string kMemoryLimit = sizeof(void*) == 8 ? "ulimit -v 1500000;" : "";
   const std::string clip = std::string("clip ") + kFade + " --frames 3 --size 16x9 ";
   // Writes three frames before it fails.
   const std::string refuses = std::string("clip Refuses --frames 5 --size 16x9 --library ") + KRL_REFUSING_PLUGIN_PATH;
@@ -145,8 +170,15 @@ TEST(Clip, SaysWhatIsWrongAndLeavesNothingBehind) {
       {clip + "--a " + dir, "out.y4m", "", 1, "cannot read " + dir + ": it is a folder", false},
       {clip + "--a " + textPng, "out.y4m", "", 1, "cannot read " + textPng + ": ", false},
       {clip + "--a " + textMp4, "out.y4m", "", 1, "cannot read " + textMp4 + ": ", true},
-      {clip, "none/out.y4m", "", 1, "cannot write " + dir + "/none/out.y4m", false},
-      {clip, "out.nosuchformat", "", 1, "ffmpeg cannot write " + dir + "/out.nosuchformat: ", true},
+      {clip, "none/out.y4m", "", 1, "cannot write " + dir + "/none/out.y4m: the folder " + dir + "/none does not exist",
+       false},
+      {clip, "text/out.y4m", "", 1, "cannot write " + dir + "/text/out.y4m: " + text + " is a file, not a folder", false},
+      {clip, "z.xyz", "", 1, "cannot write " + dir + "/z.xyz: ffmpeg knows no format by the extension .xyz", true},
+      {clip, "f/%04d.jpg", "", 2, "krl writes image sequences as PNG", false},
+      {clip + "--progress 0.5", "out.y4m", "", 2, "krl clip takes no --progress (a clip runs Progress from 0 to 1", false},
+      {clip + "--a " + sound, "out.y4m", "", 1, "cannot read " + sound + ": it holds no video", true},
+      {clip + "--size 16384x16384", "out.y4m", kMemoryLimit, 1,
+       "not enough memory for frames of this size (16384x16384, 1024 MiB a frame); name a smaller --size", false},
       {clip, "out.mp4", "PATH=/nonexistent", 1,
        "to write " + dir + "/out.mp4 krl needs the ffmpeg program, which is not installed", false},
       {clip, "out.webm", "PATH=/nonexistent", 1, "writes PNG sequences (frames/%04d.png) and Y4M (.y4m)", false},
@@ -163,28 +195,99 @@ TEST(Clip, SaysWhatIsWrongAndLeavesNothingBehind) {
     const Outcome r = Krl(row.arguments + " -o " + out, row.environment);
     EXPECT_EQ(r.exit, row.exit) << row.arguments << "\n" << r.output;
     EXPECT_NE(r.output.find(row.message), std::string::npos) << row.arguments << "\n" << r.output;
-    if (row.exit == 1) {
-      EXPECT_EQ(r.output.find('\n'), r.output.size() - 1) << "one line: " << r.output;
-    }
+    EXPECT_EQ(r.output.find('\n'), r.output.size() - 1) << "one line: " << r.output;
+    EXPECT_EQ(r.output.find(".krl-partial"), std::string::npos) << "no hidden name: " << r.output;
     EXPECT_FALSE(Exists(out)) << row.arguments;
     EXPECT_FALSE(Exists(dir + "/f")) << row.arguments;
   }
   EXPECT_TRUE(Leftovers(dir).empty());
 }
 
-TEST(Clip, AnInterruptedClipLeavesNothingBehind) {
+TEST(Clip, SaysWhatItWrites) {
+  const std::string dir = FreshFolder("clip_names");
+  const struct {
+    std::string options, output;  // output "-": standard output, caught in out.bin
+    std::string said, magic;
+    bool needsFfmpeg;
+  } rows[] = {
+      {"--size 24x14", "100%.mp4", "wrote " + dir + "/100%.mp4: 3 frames of Traditional Fade at 24x14", "ftyp", true},
+      {"--size 21x11", "odd.mp4",
+       "krl: " + dir + "/odd.mp4 is 22x12, not 21x11: its video format needs an even width and height, so krl adds a "
+       "black column at the right and row at the bottom", "ftyp", true},
+      {"--size 21x11", "odd.webm", "at 22x12, 25 fps", "\x1A\x45\xDF\xA3", true},
+      {"--size 21x11", "odd.gif", "at 21x11, 25 fps", "GIF8", true},
+      {"--size 21x11", "-", "wrote standard output (Y4M): 3 frames of Traditional Fade at 21x11", "YUV4MPEG2 W21 H11 ",
+       false},
+  };
+  for (const auto& row : rows) {
+    if (row.needsFfmpeg && !HaveFfmpeg()) continue;
+    const std::string file = dir + "/" + (row.output == "-" ? "out.bin" : row.output);
+    const Outcome r = Krl(std::string("clip ") + kFade + " --frames 3 " + row.options + " -o " +
+                          (row.output == "-" ? "- >" + file : file));
+    ASSERT_EQ(r.exit, 0) << row.output << "\n" << r.output;
+    EXPECT_NE(r.output.find(row.said), std::string::npos) << row.output << "\n" << r.output;
+    const std::string bytes = ReadFile(file);
+    EXPECT_NE(bytes.substr(0, 32).find(row.magic), std::string::npos) << row.output << ": " << bytes.substr(0, 12);
+  }
+  EXPECT_TRUE(Leftovers(dir).empty());
+}
+
+// Interrupted as a terminal's Ctrl-C or timeout does it, the signal to the
+// whole process group (krl and its ffmpeg), once the first frame is written.
+TEST(Clip, AnInterruptedClipIsSaidSoAndLeavesNothingBehind) {
   const std::string dir = FreshFolder("clip_interrupted");
   const struct {
     const char* output;
-  } rows[] = {{"/long.y4m"}, {"/frames/%04d.png"}};
+    const char* signal;
+    int exit;
+    bool needsFfmpeg;
+  } rows[] = {{"/long.y4m", "INT", 130, false},
+              {"/frames/%04d.png", "INT", 130, false},
+              {"/long.mp4", "INT", 130, true},
+              {"/long.mkv", "TERM", 143, true},
+              {"/long.y4m", "TERM", 143, false}};
   for (const auto& row : rows) {
-    const std::string command = std::string(KRL_CLI_PATH) + " --library " + KRL_LIBRARY_PATH + " clip " + kFade +
-                                " --frames 20000 --size 64x36 -o " + dir + row.output;
-    const Outcome r = Shell(command + " & pid=$!; sleep 0.5; kill -INT $pid; wait $pid; echo \"exit $?\"");
-    EXPECT_NE(r.output.find("krl: interrupted; nothing was written\nexit 130"), std::string::npos) << r.output;
+    if (row.needsFfmpeg && !HaveFfmpeg()) continue;
+    const std::string command = std::string("setsid ") + KRL_CLI_PATH + " --library " + KRL_LIBRARY_PATH + " clip " +
+                                kFade + " --frames 20000 --size " + (row.needsFfmpeg ? "320x180" : "64x36") + " -o " +
+                                dir + row.output;
+    const Outcome r = Shell(command + " & pid=$!; for i in $(seq 1200); do " + "[ -n \"$(find " + dir +
+                            " -path '*.krl-partial*' -type f -size +0 2>/dev/null)\" ] && break; sleep 0.05; done; " +
+                            "/bin/kill -s " + row.signal + " -- -$pid; wait $pid; echo \"exit $?\"");
+    EXPECT_NE(r.output.find("krl: interrupted; nothing was written\nexit " + std::to_string(row.exit)),
+              std::string::npos) << row.output << " " << row.signal << "\n" << r.output;
+    EXPECT_EQ(r.output.find("ffmpeg"), std::string::npos) << r.output;
     EXPECT_FALSE(Exists(dir + "/long.y4m"));
+    EXPECT_FALSE(Exists(dir + "/long.mp4"));
+    EXPECT_FALSE(Exists(dir + "/long.mkv"));
     EXPECT_FALSE(Exists(dir + "/frames"));
-    EXPECT_TRUE(Leftovers(dir).empty());
+    EXPECT_TRUE(Leftovers(dir).empty()) << row.output;
+  }
+}
+
+// What a killed krl left (no handler runs on SIGKILL) is removed by the next
+// run that writes in that folder; what a running krl stages is not touched.
+TEST(Clip, CleansUpWhatAKilledRunLeft) {
+  const std::string dir = FreshFolder("clip_killed");
+  const std::string gone = Shell("sh -c 'echo $$'").output;  // a process that has ended
+  const std::string dead = dir + "/.krl-partial-" + gone.substr(0, gone.size() - 1) + "-c.mp4";
+  const std::string deadFolder = dir + "/.krl-partial-" + gone.substr(0, gone.size() - 1) + "-frames";
+  const std::string alive = dir + "/.krl-partial-" + std::to_string(getpid()) + "-c.mp4";
+  const struct {
+    const char* output;
+  } rows[] = {{"/x.y4m"}, {"/frames/%04d.png"}, {"/x.png"}};
+  for (const auto& row : rows) {
+    WriteFile(dead, "left by a killed krl\n");
+    std::filesystem::create_directories(deadFolder);
+    WriteFile(deadFolder + "/0000.png", "left\n");
+    WriteFile(alive, "still being written\n");
+    const std::string command = std::string(row.output) == "/x.png" ? "render " + std::string(kFade) + " --progress 0.5"
+                                                                      : "clip " + std::string(kFade) + " --frames 2";
+    const Outcome r = Krl(command + " --size 8x6 -o " + dir + row.output);
+    ASSERT_EQ(r.exit, 0) << r.output;
+    EXPECT_FALSE(Exists(dead)) << row.output;
+    EXPECT_FALSE(Exists(deadFolder)) << row.output;
+    EXPECT_TRUE(Exists(alive)) << row.output;
   }
 }
 

@@ -35,7 +35,8 @@ TEST(Gallery, ShowsEveryDeclaredTransition) {
     for (const emu::DeclaredEffect& e : Library().effects()) {
       SCOPED_TRACE(e.name);
       const std::string folder = dir + "/" + cli::Slug(e.DisplayName());
-      EXPECT_NE(page.find("<h3>" + e.DisplayName() + "</h3>"), std::string::npos);
+      EXPECT_NE(page.find("<h3>" + e.DisplayName() + " <a class=\"anchor\" href=\"#" + cli::Slug(e.DisplayName())),
+                std::string::npos);
       EXPECT_NE(page.find("<h2>" + e.name.substr(0, e.name.rfind('/')) + "</h2>"), std::string::npos);
       const emu::Frame stack = cli::ReadImage(folder + "/" + cli::kFramesFile);
       ASSERT_EQ(stack.width, 24);
@@ -86,22 +87,48 @@ TEST(Gallery, ShowsTheTransitionsThatRenderAndSaysWhichDoNot) {
   EXPECT_EQ(page.find("refuses/"), std::string::npos) << "no picture of what was not rendered";
 }
 
-TEST(Gallery, ReplacesOnlyItsOwnGalleries) {
+TEST(Gallery, ReplacesOnlyWhatItWrote) {
   const std::string dir = FreshFolder("gallery_replace");
   const std::string ours = dir + "/ours", theirs = dir + "/theirs";
   const std::string gallery = "gallery --size 8x6 --frames 2 -o ";
   ASSERT_EQ(Krl(gallery + ours, "PATH=/nonexistent").exit, 0);
-  WriteFile(ours + "/stale.txt", "from before\n");
-  const Outcome again = Krl(gallery + ours, "PATH=/nonexistent");
-  EXPECT_EQ(again.exit, 0) << again.output;
-  EXPECT_FALSE(Exists(ours + "/stale.txt"));
-  EXPECT_TRUE(Exists(ours + "/index.html"));
+  // What a user adds to a gallery stops the next one and is named; once it
+  // is gone, the gallery is replaced.
+  const struct {
+    std::vector<std::string> files, folders;  // added, relative to the gallery
+    std::string named;
+  } rows[] = {
+      {{"notes.txt"}, {"mine"}, "besides a gallery of krl it holds mine/, notes.txt; move them away"},
+      {{"traditional-fade/notes.txt"}, {}, "besides a gallery of krl it holds traditional-fade/notes.txt; move it away"},
+      {{"mine/a.txt", "mine/b/c.txt"}, {}, "besides a gallery of krl it holds mine/; move it away"},
+      {{}, {}, ""},
+  };
+  for (const auto& row : rows) {
+    for (const std::string& f : row.folders) std::filesystem::create_directories(ours + "/" + f);
+    for (const std::string& f : row.files) {
+      std::filesystem::create_directories(std::filesystem::path(ours + "/" + f).parent_path());
+      WriteFile(ours + "/" + f, "keep me\n");
+    }
+    const Outcome again = Krl(gallery + ours, "PATH=/nonexistent");
+    EXPECT_EQ(again.exit, row.named.empty() ? 0 : 1) << again.output;
+    if (!row.named.empty()) {
+      EXPECT_NE(again.output.find("krl: cannot write the gallery to " + ours + ": " + row.named), std::string::npos)
+          << again.output;
+    }
+    for (const std::string& f : row.files) EXPECT_EQ(ReadFile(ours + "/" + f), "keep me\n") << f;
+    for (const std::string& f : row.folders) EXPECT_TRUE(std::filesystem::is_directory(ours + "/" + f)) << f;
+    EXPECT_TRUE(Exists(ours + "/index.html"));
+    for (const std::string& f : row.files) std::filesystem::remove(ours + "/" + f);
+    for (const std::string& f : row.folders) std::filesystem::remove_all(ours + "/" + f);
+    std::filesystem::remove_all(ours + "/mine");
+  }
 
   std::filesystem::create_directories(theirs);
   WriteFile(theirs + "/notes.txt", "keep me\n");
   const Outcome refused = Krl(gallery + theirs);
   EXPECT_EQ(refused.exit, 1);
-  EXPECT_NE(refused.output.find(theirs + " exists and is not a gallery krl wrote"), std::string::npos) << refused.output;
+  EXPECT_NE(refused.output.find(theirs + ": it is not a gallery krl wrote and holds notes.txt"), std::string::npos)
+      << refused.output;
   EXPECT_EQ(ReadFile(theirs + "/notes.txt"), "keep me\n");
   EXPECT_FALSE(Exists(theirs + "/index.html"));
 
@@ -109,6 +136,21 @@ TEST(Gallery, ReplacesOnlyItsOwnGalleries) {
   EXPECT_EQ(broken.exit, 1);
   EXPECT_FALSE(Exists(dir + "/new"));
   EXPECT_TRUE(Leftovers(dir).empty());
+}
+
+TEST(Gallery, NamesEveryFileItWroteOnItsPage) {
+  const std::vector<cli::GalleryEntry> entries{
+      {"Wipe", "Transitions/Wipe/Wipe", "", "wipe", {}, "", "preview.webp"},
+      {"Refuses", "Transitions/X/Refuses", "", "refuses", {}, "no", ""},
+  };
+  const std::string page = cli::GalleryPage(entries, {{8, 6}, 2, 25.0, "clips", "lib"});
+  std::vector<std::string> listed;
+  ASSERT_TRUE(cli::ListedFiles(page, &listed));
+  EXPECT_EQ(listed, (std::vector<std::string>{"index.html", "wipe/frames.jpg", "wipe/filmstrip.png", "wipe/preview.webp"}));
+  EXPECT_EQ(listed, cli::GalleryFiles(entries));
+  EXPECT_NE(page.find("<article class=\"effect\" id=\"wipe\""), std::string::npos);
+  EXPECT_NE(page.find("<a class=\"anchor\" href=\"#wipe\""), std::string::npos) << "a link to each transition";
+  EXPECT_NE(page.find("<button class=\"enlarge\""), std::string::npos);
 }
 
 }  // namespace

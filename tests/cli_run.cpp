@@ -1,6 +1,7 @@
 #include "cli_run.h"
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -48,7 +49,8 @@ void WriteFile(const std::string& path, const std::string& bytes) {
 }
 
 std::string FreshFolder(const std::string& name) {
-  const fs::path dir = fs::path(testing::TempDir()) / ("krl_" + name);
+  // The process id keeps test runs that share the machine's /tmp apart.
+  const fs::path dir = fs::path(testing::TempDir()) / ("krl_" + std::to_string(getpid()) + "_" + name);
   fs::remove_all(dir);
   fs::create_directories(dir);
   return dir.string();

@@ -23,7 +23,7 @@ Outcome Krl(const std::string& arguments, const std::string& environment = "");
 bool Exists(const std::string& path);
 std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::string& bytes);
-// A fresh, empty folder under the test temporary folder.
+// A fresh, empty folder under the test temporary folder, of this process alone.
 std::string FreshFolder(const std::string& name);
 // Files krl stages its outputs in that were left in `folder`.
 std::vector<std::string> Leftovers(const std::string& folder);

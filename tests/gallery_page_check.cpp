@@ -93,6 +93,9 @@ TEST(GalleryPage, WorksInHeadlessChromium) {
   EXPECT_EQ(found["images"], std::to_string(2 * effects) + "/" + std::to_string(2 * effects)) << found["broken"];
   EXPECT_EQ(found["errors"], "0 ");
   EXPECT_EQ(found["slider"], "moves");
+  EXPECT_EQ(found["enlarge"], "works") << "the player doubles its size and comes back";
+  EXPECT_EQ(found["result"], "passed") << "what the page shows a person who opens it with #selftest";
+  EXPECT_NE(dom.output.find("<pre id=\"selftest\" class=\"passed\">"), std::string::npos) << "shown, not hidden";
 
   // The first transition, paused by the self-test at frame k of its slider.
   std::istringstream frame(found["frame"]), view(found["view"]);
