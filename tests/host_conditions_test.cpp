@@ -194,6 +194,7 @@ INSTANTIATE_TEST_SUITE_P(Under, HostConditionsTest, testing::ValuesIn(kRows),
 // predicted; nothing may crash or touch memory outside the frames (the
 // sanitizer build checks that), and the words come back.
 TEST(HostConditions, OddAnswersFromTheHostHarmNothing) {
+  std::unique_ptr<emu::Host> host = LoadFresh(KRL_LIBRARY_PATH);
   const emu::ScopedHostConditions scope(
       {.name = "a host that answers oddly, stack off by 8, frames off by 1", .stackMisalignment = 8, .frameOffset = 1,
        .oddAnswers = true});
@@ -209,7 +210,6 @@ TEST(HostConditions, OddAnswersFromTheHostHarmNothing) {
     }
     ExpectWordsGivenBack(e.DisplayName().c_str());
   }
-  std::unique_ptr<emu::Host> host = LoadFresh(KRL_LIBRARY_PATH);
   EXPECT_EQ(host->Declare(), static_cast<int32_t>(std::size(kDeclarationFunctions)));
   ExpectWordsGivenBack("KrDeclare with no translations");
   {
