@@ -33,6 +33,8 @@ struct Row {
   bool largeFrames = false;
 };
 
+void PrintTo(const Row& row, std::ostream* os) { *os << row.conditions.name; }
+
 const Row kRows[] = {
     {"StackMisalignedBy4", {.name = "stack misaligned by 4", .stackMisalignment = 4}},
     {"StackMisalignedBy8", {.name = "stack misaligned by 8", .stackMisalignment = 8}},
