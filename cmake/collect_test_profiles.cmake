@@ -5,9 +5,9 @@
 #   cmake -DOUTPUT=file -DSOURCES="a.cpp;b.cpp" -P collect_test_profiles.cmake
 set(content "// Generated from the transition modules' KR_TEST_PROFILE lines.\n")
 foreach(source IN LISTS SOURCES)
-  file(STRINGS "${source}" declared REGEX "^KR_TRANSITION(_WITH_USER_DATA)?\\([A-Za-z0-9]+,")
+  file(STRINGS "${source}" declared REGEX "^KR_TRANSITION(_WITH_USER_DATA|_WITH_INIT_ORDER)?\\([A-Za-z0-9]+,")
   foreach(line IN LISTS declared)
-    string(REGEX REPLACE "^KR_TRANSITION(_WITH_USER_DATA)?\\(([A-Za-z0-9]+),.*" "\\2" name "${line}")
+    string(REGEX REPLACE "^KR_TRANSITION(_WITH_USER_DATA|_WITH_INIT_ORDER)?\\(([A-Za-z0-9]+),.*" "\\2" name "${line}")
     string(REGEX REPLACE "([a-z0-9])([A-Z])" "\\1_\\2" snake "${name}")
     string(TOLOWER "${snake}" snake)
     get_filename_component(stem "${source}" NAME_WE)

@@ -70,6 +70,12 @@ struct FieldSpec {
     f.defaultValue = value;
     return f;
   }
+  // The same field with nothing set by the init: the host's own value stands.
+  constexpr FieldSpec WithoutDefault() const {
+    FieldSpec f = *this;
+    f.defaultKind = DefaultKind::None;
+    return f;
+  }
   constexpr FieldSpec DefaultColor(uint8_t blue, uint8_t green, uint8_t red) const {
     FieldSpec f = *this;
     f.defaultKind = DefaultKind::Color;

@@ -4,28 +4,35 @@
 #include "host/export.h"
 #include "host/host_interface.h"
 
-// The effect list: the declaration functions of the transitions that exist,
-// in the order KrDeclare calls them (the order of their names); a new
-// transition adds its row at its place. X(Name) is KrDeclare<Name>, defined
-// by KR_TRANSITION in transitions/<family>/<name>.cpp (snake case), whose
-// texts give its display name where that differs from Name.
+// The declaration functions of the effects that exist, in the order KrDeclare
+// calls them; each new transition adds its row at its place in that order.
 #define KR_EFFECTS(X) \
-  X(BrightnessPlasma)  \
-  X(ChaoticDissolve)   \
-  X(DitherDissolve)    \
-  X(FadeDissolve) /* "Traditional Fade" */ \
-  X(FlashOver)         \
-  X(Inset)             \
-  X(IrisCross)         \
-  X(IrisDiamond)       \
-  X(IrisRound)         \
-  X(IrisSquared)       \
-  X(IrisStar)          \
-  X(Mosaic)            \
-  X(Push)              \
-  X(RandomDissolve)    \
-  X(Slide)             \
-  X(Wipe)
+  X(BandPush)                                 \
+  X(BandSlide)                                \
+  X(BandWipe)                                 \
+  X(BrightnessPlasma)                         \
+  X(Builder)                                  \
+  X(CenterZoom)                               \
+  X(ChaoticDissolve)                          \
+  X(ChessWipe)                                \
+  X(CornerZoom)                               \
+  X(CrossSplit)                               \
+  X(DitherDissolve)                           \
+  X(FadeDissolve) /* "Traditional Fade" */    \
+  X(FlashOver)                                \
+  X(Inset)                                    \
+  X(IrisCross)                                \
+  X(IrisDiamond)                              \
+  X(IrisRound)                                \
+  X(IrisSquared)                              \
+  X(IrisStar)                                 \
+  X(Mosaic)                                   \
+  X(Push)                                     \
+  X(RandomDissolve)                           \
+  X(Slide)                                    \
+  X(SlidingDoors)                             \
+  X(Wipe)                                     \
+  X(ZoomOut)
 
 #define KR_DECLARE_PROTOTYPE(name) KR_EXPORT int32_t KrDeclare##name(t_KrHostInfo* hi);
 KR_EFFECTS(KR_DECLARE_PROTOTYPE)

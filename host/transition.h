@@ -10,7 +10,8 @@
 //
 // which makes WipeInit (the defaults of its field table, in table order) and
 // the exported declaration function KrDeclareWipe. A module that keeps user data uses
-// KR_TRANSITION_WITH_USER_DATA and defines <Name>DeleteUserData as well.
+// KR_TRANSITION_WITH_USER_DATA and defines <Name>DeleteUserData as well; one
+// whose init sets its defaults out of declaration order, KR_TRANSITION_WITH_INIT_ORDER.
 //
 // Every entry point the host calls goes through HostEntry or DeclarationEntry
 // (host/entry.h), which realign the stack, put the floating-point state the
@@ -34,10 +35,10 @@ struct EffectTexts {
 };
 }  // namespace krl
 
-#define KR_TRANSITION_ENTRIES(Name, texts, fieldTable, deleter)                                            \
+#define KR_TRANSITION_ENTRIES(Name, texts, fieldTable, initTable, deleter)                                 \
   namespace krl {                                                                                          \
   namespace {                                                                                              \
-  int32_t Name##Init(t_KrRenderInfo* ri) { return InitDefaults(ri, fieldTable); }                          \
+  int32_t Name##Init(t_KrRenderInfo* ri) { return InitDefaults(ri, initTable); }                           \
   constexpr EffectSpec k##Name##Effect{                                                                    \
       .menuPath = texts.menuPath,                                                                 \
       .signature = texts.signature,                                                               \
@@ -55,9 +56,13 @@ struct EffectTexts {
     return krl::DeclarationEntry(hi, krl::k##Name##Effect);                                                \
   }
 
-#define KR_TRANSITION(Name, texts, fieldTable) KR_TRANSITION_ENTRIES(Name, texts, fieldTable, nullptr)
+#define KR_TRANSITION(Name, texts, fieldTable) KR_TRANSITION_ENTRIES(Name, texts, fieldTable, fieldTable, nullptr)
 #define KR_TRANSITION_WITH_USER_DATA(Name, texts, fieldTable) \
-  KR_TRANSITION_ENTRIES(Name, texts, fieldTable, HostEntry<Name##DeleteUserData>)
+  KR_TRANSITION_ENTRIES(Name, texts, fieldTable, fieldTable, HostEntry<Name##DeleteUserData>)
+// For an init that sets its defaults in an order of its own: initTable holds
+// the fields of fieldTable that get one, in that order.
+#define KR_TRANSITION_WITH_INIT_ORDER(Name, texts, fieldTable, initTable) \
+  KR_TRANSITION_ENTRIES(Name, texts, fieldTable, initTable, nullptr)
 
 // What the tests need to know of a transition, on one line of its module:
 //

@@ -20,6 +20,15 @@ inline int32_t TruncToInt32(long double x) {
   return INT32_MIN;
 }
 
+// Truncation toward zero held to lo..hi, a NaN giving lo: for an edge or a
+// length computed from Progress, which may lie anywhere, huge or NaN.
+template <typename Int>
+Int TruncToRange(long double x, Int lo, Int hi) {
+  if (!(x > static_cast<long double>(lo))) return lo;
+  if (x >= static_cast<long double>(hi)) return hi;
+  return static_cast<Int>(x);
+}
+
 // a - b in 32 bits, wrapping as the machine does instead of overflowing:
 // only the "indefinite" INT32_MIN of an out-of-range conversion gets there.
 inline int32_t WrappingSubtract(int32_t a, int32_t b) {

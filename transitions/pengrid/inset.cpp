@@ -13,25 +13,7 @@ constexpr EffectTexts kTexts{.menuPath = "Transitions/Slide/Inset", .signature =
 
 PenGridFields fields;
 
-constexpr SelectorItem kCornerItems[] = {{"Top Left", 0}, {"Top Right", 1}, {"Bottom Left", 2}, {"Bottom Right", 3}};
-
 constexpr auto kFields = PenGridFieldTable(fields, "Specifies the starting point for the transition.", kCornerItems);
-
-// "Top" is the cell's end with the highest row indices.
-struct Corner {
-  bool left;
-  bool top;
-};
-
-// Any value but 1, 2 and 3 is Top Left.
-Corner DecodeCorner(int32_t direction) {
-  switch (direction) {
-    case 1: return {false, true};
-    case 2: return {true, false};
-    case 3: return {false, false};
-    default: return {true, true};
-  }
-}
 
 // B's extent along one side of the cell: Top Left rounds to nearest, the
 // other corners truncate, each from the extended product rounded to single.

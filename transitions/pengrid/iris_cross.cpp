@@ -14,19 +14,13 @@ PenGridFields fields;
 
 constexpr auto kFields = PenGridFieldTable(fields, kIrisDirectionHelp, kIrisItems);
 
-struct Span {
-  int32_t begin, end;
-  bool Has(int32_t v) const { return v >= begin && v < end; }
-};
-
-// A bar of the given thickness centred in [origin, origin + size): the start
-// truncates and the end rounds, so an odd size shows a bar one pixel thick
-// when it is 0.
-Span Bar(int32_t origin, int32_t size, int32_t thickness) {
-  return {origin + (size - thickness) / 2, origin + TruncToInt32((size + thickness) * 0.5 + 0.5)};
+// A bar centred in [origin, origin + size).
+Interval Bar(int32_t origin, int32_t size, int32_t thickness) {
+  const Interval bar = CentredBar(size, thickness);
+  return {origin + bar.begin, origin + bar.end};
 }
 
-Span Shrunk(Span s, int32_t by) { return {s.begin + by, s.end - by}; }
+Interval Shrunk(Interval s, int32_t by) { return {s.begin + by, s.end - by}; }
 
 class CrossShape {
  public:
@@ -36,14 +30,14 @@ class CrossShape {
   // read nothing of each other, so the picture is the same in any order.
   void Paint(const Cell& c) const {
     const int32_t w = c.Width(), h = c.Height();
-    int32_t a = TruncToInt32(RoundToSingle(static_cast<long double>(w) * f_.progress));
-    int32_t b = TruncToInt32(RoundToSingle(static_cast<long double>(h) * f_.progress));
+    int32_t a = SingleRoundedShare(w, f_.progress);
+    int32_t b = SingleRoundedShare(h, f_.progress);
     if (f_.close) {
       a = w - a;
       b = h - b;
     }
-    const Span barRows = Bar(c.y0, h, b), barColumns = Bar(c.x0, w, a);
-    const Span innerRows = Shrunk(barRows, f_.penThickness), innerColumns = Shrunk(barColumns, f_.penThickness);
+    const Interval barRows = Bar(c.y0, h, b), barColumns = Bar(c.x0, w, a);
+    const Interval innerRows = Shrunk(barRows, f_.penThickness), innerColumns = Shrunk(barColumns, f_.penThickness);
     for (int32_t y = c.y0; y < c.y1; ++y) {
       if (innerRows.Has(y)) {
         f_.PaintRun(Source::Inside, y, c.x0, c.x1);

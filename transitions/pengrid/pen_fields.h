@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
 #include "host/declare.h"
@@ -36,12 +37,26 @@ constexpr FieldSpec PenThicknessField(FieldIndex* index) {
       .Default(0);
 }
 
-// "Direction": the transition's own help and items, the first item the default.
-constexpr FieldSpec DirectionField(FieldIndex* index, const char* help, std::span<const SelectorItem> items) {
-  FieldSpec f = Selector(index, "Direction", "Direction", {});
+// A selector whose items are a shared list, the first item the default.
+constexpr FieldSpec SelectorOf(FieldIndex* index, const char* key, const char* label, const char* help,
+                               std::span<const SelectorItem> items) {
+  FieldSpec f = Selector(index, key, label, {});
   for (const SelectorItem& item : items) f.items[f.itemCount++] = item;
   return f.Help(help).Default(0);
 }
+
+// "Direction": the transition's own help and items.
+constexpr FieldSpec DirectionField(FieldIndex* index, const char* help, std::span<const SelectorItem> items) {
+  return SelectorOf(index, "Direction", "Direction", help, items);
+}
+
+// The corners Inset and Corner Zoom start from.
+inline constexpr SelectorItem kCornerItems[] = {
+    {"Top Left", 0}, {"Top Right", 1}, {"Bottom Left", 2}, {"Bottom Right", 3}};
+
+// Whether the init sets the pen's colour and thickness (black, 0) or leaves
+// both at the host's own values.
+enum class PenDefaults : uint8_t { Set, HostsOwn };
 
 // The host's indices of the shared fields of one transition.
 struct PenGridFields {
@@ -52,7 +67,9 @@ inline constexpr size_t kPenGridFieldCount = 8;
 
 // Inputs, TransType, Direction, the divisions, the pen colour and thickness.
 constexpr std::array<FieldSpec, kPenGridFieldCount> PenGridFieldTable(PenGridFields& f, const char* directionHelp,
-                                                                      std::span<const SelectorItem> items) {
+                                                                      std::span<const SelectorItem> items,
+                                                                      PenDefaults pen = PenDefaults::Set) {
+  const bool setPen = pen == PenDefaults::Set;
   return {
       InputAField(&f.inputA),
       InputBField(&f.inputB),
@@ -60,8 +77,8 @@ constexpr std::array<FieldSpec, kPenGridFieldCount> PenGridFieldTable(PenGridFie
       DirectionField(&f.direction, directionHelp, items),
       DivideXField(&f.divideX),
       DivideYField(&f.divideY),
-      PenColorField(&f.color),
-      PenThicknessField(&f.borderWidth),
+      setPen ? PenColorField(&f.color) : PenColorField(&f.color).WithoutDefault(),
+      setPen ? PenThicknessField(&f.borderWidth) : PenThicknessField(&f.borderWidth).WithoutDefault(),
   };
 }
 

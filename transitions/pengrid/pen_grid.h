@@ -55,6 +55,42 @@ inline int32_t NominalCellSize(int32_t side, int32_t divisions) {
   return TruncToInt32(static_cast<long double>(side) / divisions);
 }
 
+// A corner of kCornerItems; "Top" is the end with the highest row indices.
+struct Corner {
+  bool left;
+  bool top;
+};
+
+// Any value but 1, 2 and 3 is Top Left.
+inline Corner DecodeCorner(int32_t value) {
+  switch (value) {
+    case 1: return {false, true};
+    case 2: return {true, false};
+    case 3: return {false, false};
+    default: return {true, true};
+  }
+}
+
+// The part p of a size: the extended product rounded once to single
+// precision, then truncated. With p in 0..1 and a size up to 2^24 it stays
+// in 0..size (the size itself is a single).
+inline int32_t SingleRoundedShare(int32_t size, double p) {
+  return TruncToInt32(RoundToSingle(static_cast<long double>(size) * p));
+}
+
+// Half-open [begin, end).
+struct Interval {
+  int32_t begin, end;
+  bool Has(int32_t v) const { return v >= begin && v < end; }
+};
+
+// A bar of the given thickness centred in a side of the given size, from its
+// start: the start truncates and the end rounds, so an odd size shows a bar
+// one pixel thick when the thickness is 0.
+inline Interval CentredBar(int32_t size, int32_t thickness) {
+  return {(size - thickness) / 2, TruncToInt32((size + thickness) * 0.5 + 0.5)};
+}
+
 struct Cell {
   int32_t x0, x1, y0, y1;  // first column and row, one past the last
   int32_t Width() const { return x1 - x0; }

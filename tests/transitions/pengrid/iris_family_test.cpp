@@ -57,12 +57,9 @@ TEST_P(IrisMember, OutOfRangeValuesStayInTheFrame) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Iris, IrisMember, testing::Values("Iris Cross", "Iris Diamond", "Iris Round", "Iris Squared", "Iris Star"),
-                         [](const testing::TestParamInfo<std::string>& member) {
-                           std::string name = member.param;
-                           name.erase(std::remove(name.begin(), name.end(), ' '), name.end());
-                           return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Iris, IrisMember,
+                         testing::Values("Iris Cross", "Iris Diamond", "Iris Round", "Iris Squared", "Iris Star"),
+                         NameOfMember);
 
 }  // namespace
 }  // namespace krl::test

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <span>
 #include <string>
 #include <utility>
@@ -107,11 +108,14 @@ inline std::string ColumnReads(const emu::Frame& f, int32_t x) { return Reads(f,
 using FieldValues = std::vector<std::pair<std::string, int32_t>>;
 
 // One render of a coded A and B into an output that starts as kUntouched,
-// with the pen colour kPenFromHost and the given field values.
+// with the pen colour kPenFromHost (in whichever colour field the effect
+// has) and the given field values.
 inline emu::Frame RenderCoded(const std::string& effect, int32_t w, int32_t h, double progress,
                               const FieldValues& values = {}) {
   emu::Instance instance(Library(), Effect(Library(), effect));
-  instance.SetColor("Color", kPenFromHost);
+  for (const emu::DeclaredField& f : instance.effect().fields) {
+    if (f.kind == "RGBcolor") instance.SetColor(f.key, kPenFromHost);
+  }
   for (const auto& [key, value] : values) instance.SetValue(key, value);
   emu::Frame out(w, h, kUntouched);
   EXPECT_EQ(instance.Render(Coded(w, h, kTagA), Coded(w, h, kTagB), out, progress), 1);
@@ -140,6 +144,14 @@ inline void ExpectRows(const std::string& effect, std::span<const RowsCase> case
   for (const RowsCase& c : cases) {
     EXPECT_EQ(RowsFromTop(RenderCoded(effect, c.w, c.h, c.progress, c.values), line), c.rows) << c.what;
   }
+}
+
+// A transition's display name as the name of a parameterised test: its
+// blanks dropped.
+inline std::string NameOfMember(const testing::TestParamInfo<std::string>& member) {
+  std::string name = member.param;
+  name.erase(std::remove(name.begin(), name.end(), ' '), name.end());
+  return name;
 }
 
 }  // namespace krl::test
