@@ -10,6 +10,7 @@
 #include <fstream>
 #include <utility>
 
+#include "emulator/host_conditions.h"
 #include "emulator/instance.h"
 
 namespace krl::emu {
@@ -19,7 +20,7 @@ std::atomic<int> gUnexpectedSlotCalls{0};
 
 // The slots no transition uses still hold a function, as the real host's do.
 template <int Slot>
-void UnexpectedSlot() {
+KR_HOST_SLOT void UnexpectedSlot() {
   gUnexpectedSlotCalls.fetch_add(1, std::memory_order_relaxed);
 }
 
@@ -180,14 +181,20 @@ void Host::FindSegments() {
       &search);
 }
 
-int32_t Host::Declare() {
+int32_t Host::Declare(const char* function) {
   using DeclareFunction = int32_t (*)(t_KrHostInfo*);
-  auto declare = reinterpret_cast<DeclareFunction>(Symbol("KrDeclare"));
+  auto declare = reinterpret_cast<DeclareFunction>(Symbol(function));
   script_ = std::make_unique<ScriptInterpreter>(static_cast<ScriptEnvironment&>(*this));
   statements_.clear();
   stored_.clear();
   nextIndex_ = options_.firstFieldIndex;
-  declareResult_ = declare != nullptr ? declare(&record_.info) : 0;
+  if (declare == nullptr) {
+    declareResult_ = 0;
+  } else if (HostConditionsActive()) {
+    declareResult_ = CallUnderConditions(reinterpret_cast<const void*>(declare), &record_.info);
+  } else {
+    declareResult_ = declare(&record_.info);
+  }
   return declareResult_;
 }
 
@@ -259,6 +266,11 @@ int32_t Host::ScriptExecuteHiSlot(t_KrHostInfo* hi, t_KrHostInfo* again, const c
 
 const word* Host::TranslateSlot(t_KrHostInfo* hi, const char* context, const char* text) {
   Host& host = Of(hi);
+  if (HostConditionsActive() && CurrentHostConditions().oddAnswers) {
+    // No translation at all, or an empty one, by turns.
+    static const word kEmpty[1] = {0};
+    return host.oddTranslations_++ % 2 == 0 ? nullptr : kEmpty;
+  }
   if (context == nullptr || text == nullptr) {
     host.diagnostics_.push_back("Translate was given a null text");
     context = context ? context : "";

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "emulator/declared.h"
+#include "emulator/host_conditions.h"
 #include "emulator/script.h"
 #include "host/host_interface.h"
 
@@ -36,8 +37,9 @@ class Host final : private ScriptEnvironment {
   Host& operator=(const Host&) = delete;
 
   // Runs the library's KrDeclare (again): effects are declared anew and the
-  // library's field variables receive new indices. Returns its result.
-  int32_t Declare();
+  // library's field variables receive new indices. Returns its result. A
+  // host may call one declaration function instead (e.g. "KrDeclareWipe").
+  int32_t Declare(const char* function = "KrDeclare");
 
   int32_t declareResult() const { return declareResult_; }
   const std::vector<DeclaredEffect>& effects() const { return script_->effects(); }
@@ -79,9 +81,9 @@ class Host final : private ScriptEnvironment {
   };
 
   static Host& Of(t_KrHostInfo* hi);
-  static int32_t ScriptExecuteSlot(t_KrHostInfo* hi, const char* statement);
-  static int32_t ScriptExecuteHiSlot(t_KrHostInfo* hi, t_KrHostInfo* again, const char* statement);
-  static const word* TranslateSlot(t_KrHostInfo* hi, const char* context, const char* text);
+  KR_HOST_SLOT static int32_t ScriptExecuteSlot(t_KrHostInfo* hi, const char* statement);
+  KR_HOST_SLOT static int32_t ScriptExecuteHiSlot(t_KrHostInfo* hi, t_KrHostInfo* again, const char* statement);
+  KR_HOST_SLOT static const word* TranslateSlot(t_KrHostInfo* hi, const char* context, const char* text);
   int32_t Run(const char* statement);
 
   void* handle_;
@@ -99,6 +101,7 @@ class Host final : private ScriptEnvironment {
   std::map<uint64_t, int32_t> stored_;
   int32_t nextIndex_ = 0;
   int32_t declareResult_ = 0;
+  uint32_t oddTranslations_ = 0;
 };
 
 // Text conversions between the host's UTF-16 and the tools' UTF-8.

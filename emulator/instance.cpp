@@ -1,6 +1,11 @@
 #include "emulator/instance.h"
 
+#include <algorithm>
+#include <cstring>
+#include <new>
 #include <stdexcept>
+
+#include "emulator/host_conditions.h"
 
 namespace krl::emu {
 namespace {
@@ -14,6 +19,40 @@ Function CodeAt(uint64_t address) {
   return reinterpret_cast<Function>(static_cast<uintptr_t>(address));
 }
 
+// Calls an init, render or deleter as the host does: under the host
+// conditions when a test sets them (emulator/host_conditions.h).
+template <typename Function>
+auto CallEntry(uint64_t address, t_KrRenderInfo* ri) {
+  using Result = decltype(CodeAt<Function>(address)(ri));
+  if (HostConditionsActive()) {
+    return static_cast<Result>(CallUnderConditions(reinterpret_cast<const void*>(static_cast<uintptr_t>(address)), ri));
+  }
+  return CodeAt<Function>(address)(ri);
+}
+
+// A copy of a frame that starts `offset` bytes past a 16-byte boundary, in a
+// block of exactly the bytes it needs, so any stray access is still caught.
+class OffsetFrame {
+ public:
+  OffsetFrame(const Frame& frame, int32_t offset)
+      : offset_(static_cast<size_t>(offset)), bytes_(frame.ByteCount()),
+        block_(static_cast<uint8_t*>(::operator new(offset_ + bytes_, std::align_val_t{16}))) {
+    if (bytes_ != 0) std::memcpy(data(), frame.Bytes(), bytes_);
+  }
+  ~OffsetFrame() { ::operator delete(block_, std::align_val_t{16}); }
+  OffsetFrame(const OffsetFrame&) = delete;
+  OffsetFrame& operator=(const OffsetFrame&) = delete;
+
+  uint8_t* data() { return block_ + offset_; }
+  void CopyTo(Frame& frame) {
+    if (bytes_ != 0) std::memcpy(frame.Bytes(), data(), bytes_);
+  }
+
+ private:
+  size_t offset_, bytes_;
+  uint8_t* block_;
+};
+
 }  // namespace
 
 Instance::Instance(const Host& host, const DeclaredEffect& effect) : host_(host), effect_(effect) {
@@ -23,11 +62,23 @@ Instance::Instance(const Host& host, const DeclaredEffect& effect) : host_(host)
   record_.info.Host = const_cast<t_KrHostFunctions*>(&host_.table());
   record_.info.BitsPerPixel = 32;
   record_.self = this;
-  initResult_ = CodeAt<KrInitFunction>(effect_.initFunction)(&record_.info);
+  oddAnswers_ = HostConditionsActive() && CurrentHostConditions().oddAnswers;
+  initResult_ = CallEntry<KrInitFunction>(effect_.initFunction, &record_.info);
 }
 
 Instance::~Instance() {
-  if (effect_.deleteUserData != 0) CodeAt<KrDeleteUserDataFunction>(effect_.deleteUserData)(&record_.info);
+  if (effect_.deleteUserData == 0) return;
+  if (oddAnswers_) {
+    // GetUserData answered null, so the library may have set several buffers:
+    // the deleter is handed each, this time with honest answers.
+    oddAnswers_ = false;
+    for (void* data : oddUserData_) {
+      userData_ = data;
+      CallEntry<KrDeleteUserDataFunction>(effect_.deleteUserData, &record_.info);
+    }
+    return;
+  }
+  CallEntry<KrDeleteUserDataFunction>(effect_.deleteUserData, &record_.info);
 }
 
 void Instance::FillSlots(t_KrHostFunctions& table) {
@@ -65,7 +116,12 @@ KrColor Instance::Color(const std::string& key) const { return StateOf(key).colo
 
 int32_t Instance::Render(const Frame& a, const Frame& b, Frame& out, double progress) {
   if (!a.SameSize(out) || !b.SameSize(out)) throw std::invalid_argument("the three frames differ in size");
-  return Render(a.Bytes(), b.Bytes(), out.Bytes(), out.width, out.height, progress);
+  const int32_t offset = HostConditionsActive() ? CurrentHostConditions().frameOffset : 0;
+  if (offset == 0) return Render(a.Bytes(), b.Bytes(), out.Bytes(), out.width, out.height, progress);
+  OffsetFrame atA(a, offset), atB(b, offset), atOut(out, offset);
+  const int32_t result = Render(atA.data(), atB.data(), atOut.data(), out.width, out.height, progress);
+  atOut.CopyTo(out);
+  return result;
 }
 
 int32_t Instance::Render(const uint8_t* a, const uint8_t* b, uint8_t* out, int32_t width, int32_t height,
@@ -82,7 +138,7 @@ int32_t Instance::Render(const uint8_t* a, const uint8_t* b, uint8_t* out, int32
   return RenderAgain();
 }
 
-int32_t Instance::RenderAgain() { return CodeAt<KrRenderFunction>(effect_.renderFunction)(&record_.info); }
+int32_t Instance::RenderAgain() { return CallEntry<KrRenderFunction>(effect_.renderFunction, &record_.info); }
 
 // ---- the slots -----------------------------------------------------------
 
@@ -113,7 +169,9 @@ int32_t Instance::ReportErrorSlot(t_KrRenderInfo* ri, const char* message) {
 }
 
 double Instance::GetCurveValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t, double position) {
-  FieldState* s = Of(ri).StateOf(field, "GetCurveValue", IsCurveKind);
+  Instance& self = Of(ri);
+  if (self.oddAnswers_) return odd::CurveValue(self.oddCalls_++);
+  FieldState* s = self.StateOf(field, "GetCurveValue", IsCurveKind);
   return s != nullptr ? EvaluateCurve(s->curve, position) : 0.0;
 }
 
@@ -146,7 +204,9 @@ int32_t Instance::SetColorDefaultSlot(t_KrRenderInfo* ri, int32_t field, int32_t
 }
 
 int32_t Instance::GetFieldValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t) {
-  FieldState* s = Of(ri).StateOf(field, "GetFieldValue", IsValueKind);
+  Instance& self = Of(ri);
+  if (self.oddAnswers_) return odd::FieldValue(self.oddCalls_++);
+  FieldState* s = self.StateOf(field, "GetFieldValue", IsValueKind);
   return s != nullptr ? s->value : 0;
 }
 
@@ -164,10 +224,18 @@ void Instance::LogDefault(const FieldState& state, const char* slot, const std::
 }
 
 int32_t Instance::SetUserDataSlot(t_KrRenderInfo* ri, void* data) {
-  Of(ri).userData_ = data;
+  Instance& self = Of(ri);
+  self.userData_ = data;
+  auto& given = self.oddUserData_;
+  if (self.oddAnswers_ && data != nullptr && std::find(given.begin(), given.end(), data) == given.end()) {
+    given.push_back(data);
+  }
   return 1;
 }
 
-void* Instance::GetUserDataSlot(t_KrRenderInfo* ri) { return Of(ri).userData_; }
+void* Instance::GetUserDataSlot(t_KrRenderInfo* ri) {
+  const Instance& self = Of(ri);
+  return self.oddAnswers_ ? nullptr : self.userData_;
+}
 
 }  // namespace krl::emu

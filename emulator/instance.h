@@ -9,6 +9,7 @@
 #include "emulator/curve.h"
 #include "emulator/frame.h"
 #include "emulator/host.h"
+#include "emulator/host_conditions.h"
 
 namespace krl::emu {
 
@@ -83,16 +84,16 @@ class Instance {
   const FieldState& StateOf(const std::string& key) const;
 
   static Instance& Of(t_KrRenderInfo* ri);
-  static int32_t ReportErrorSlot(t_KrRenderInfo* ri, const char* message);
-  static double GetCurveValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t zero, double position);
-  static int32_t AddCurvePointSlot(t_KrRenderInfo* ri, int32_t field, int32_t zero, double position, double value);
-  static int32_t GetColorValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t zero, KrColor* out, double position);
-  static int32_t SetColorDefaultSlot(t_KrRenderInfo* ri, int32_t field, int32_t zero, const KrColor* color,
+  KR_HOST_SLOT static int32_t ReportErrorSlot(t_KrRenderInfo* ri, const char* message);
+  KR_HOST_SLOT static double GetCurveValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t zero, double position);
+  KR_HOST_SLOT static int32_t AddCurvePointSlot(t_KrRenderInfo* ri, int32_t field, int32_t zero, double position, double value);
+  KR_HOST_SLOT static int32_t GetColorValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t zero, KrColor* out, double position);
+  KR_HOST_SLOT static int32_t SetColorDefaultSlot(t_KrRenderInfo* ri, int32_t field, int32_t zero, const KrColor* color,
                                      double position);
-  static int32_t GetFieldValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t zero);
-  static int32_t SetFieldDefaultSlot(t_KrRenderInfo* ri, int32_t field, int32_t zero, int32_t value);
-  static int32_t SetUserDataSlot(t_KrRenderInfo* ri, void* data);
-  static void* GetUserDataSlot(t_KrRenderInfo* ri);
+  KR_HOST_SLOT static int32_t GetFieldValueSlot(t_KrRenderInfo* ri, int32_t field, int32_t zero);
+  KR_HOST_SLOT static int32_t SetFieldDefaultSlot(t_KrRenderInfo* ri, int32_t field, int32_t zero, int32_t value);
+  KR_HOST_SLOT static int32_t SetUserDataSlot(t_KrRenderInfo* ri, void* data);
+  KR_HOST_SLOT static void* GetUserDataSlot(t_KrRenderInfo* ri);
 
   const Host& host_;
   const DeclaredEffect& effect_;
@@ -106,6 +107,11 @@ class Instance {
   std::vector<std::string> defaultsSet_;
   void* userData_ = nullptr;
   int32_t initResult_ = 0;
+  // Created under host conditions that answer oddly: curves, fields and user
+  // data are answered from odd:: (emulator/host_conditions.h).
+  bool oddAnswers_ = false;
+  uint32_t oddCalls_ = 0;
+  std::vector<void*> oddUserData_;  // every buffer the library set while answered oddly
 };
 
 }  // namespace krl::emu

@@ -3,7 +3,11 @@
 // Progress (NaN and infinities included), frame sizes from 0x0 to 300x300
 // allocated to their exact size, pixel sizes other than 32, several renders
 // with changing sizes on one instance, a reused record, then destruction.
-// The library must neither crash nor touch memory outside the frames.
+// Each render runs under conditions a host we did not build may leave: any
+// x87 control word and MXCSR from a table (other precision and rounding,
+// exceptions unmasked, flush to zero), the stack misaligned, frames 0 to 3
+// bytes past a word boundary. The library must neither crash nor touch
+// memory outside the frames, and must give the host its words back.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cmath>
@@ -14,6 +18,7 @@
 #include <vector>
 
 #include "emulator/host.h"
+#include "emulator/host_conditions.h"
 #include "emulator/instance.h"
 
 namespace {
@@ -75,9 +80,21 @@ void SetFields(FuzzedDataProvider& in, krl::emu::Instance& instance) {
   }
 }
 
+krl::emu::HostConditions AnyConditions(FuzzedDataProvider& in) {
+  static const uint16_t kX87[] = {0x037F, 0x007F, 0x027F, 0x0F7F, 0x0B7F, 0x077F, 0x0372, 0x0C72};
+  static const uint32_t kMxcsr[] = {0x1F80, 0x9FC0, 0x7F80, 0x5F80, 0x3F80, 0x1980, 0xF9C0};
+  krl::emu::HostConditions c;
+  c.name = "fuzzed";
+  c.x87Control = in.PickValueInArray(kX87);
+  c.mxcsr = in.PickValueInArray(kMxcsr);
+  c.stackMisalignment = 4 * in.ConsumeIntegralInRange(0, 3);
+  return c;
+}
+
 // A frame of exactly w x h pixels, so any byte read or written beyond it is
 // caught; its content is cut from a noise picture at an offset of the input's choosing.
-std::vector<uint8_t> AnyFrame(int32_t w, int32_t h, size_t offset) {
+// `at` bytes into its block (0 to 3: frames may lie at any address).
+std::vector<uint8_t> AnyFrame(int32_t w, int32_t h, size_t offset, size_t at = 0) {
   static const std::vector<uint8_t> kNoise = [] {
     std::vector<uint8_t> noise(2 * 300 * 300 * 4);
     uint32_t state = 1;
@@ -89,7 +106,9 @@ std::vector<uint8_t> AnyFrame(int32_t w, int32_t h, size_t offset) {
   }();
   const size_t bytes = static_cast<size_t>(w) * h * 4;
   const auto from = kNoise.begin() + static_cast<std::ptrdiff_t>(offset % (kNoise.size() - bytes + 1));
-  return std::vector<uint8_t>(from, from + static_cast<std::ptrdiff_t>(bytes));
+  std::vector<uint8_t> frame(at);
+  frame.insert(frame.end(), from, from + static_cast<std::ptrdiff_t>(bytes));
+  return frame;
 }
 
 }  // namespace
@@ -118,11 +137,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (in.ConsumeIntegralInRange(0, 7) == 0) w = 1;
     if (in.ConsumeIntegralInRange(0, 7) == 0) h = 1;
     const int32_t bits = in.ConsumeIntegralInRange(0, 15) == 0 ? in.ConsumeIntegral<int32_t>() : 32;
-    const std::vector<uint8_t> a = AnyFrame(w, h, in.ConsumeIntegral<uint16_t>());
-    const std::vector<uint8_t> b = AnyFrame(w, h, in.ConsumeIntegral<uint32_t>());
-    std::vector<uint8_t> out = AnyFrame(w, h, 7);
-    instance.Render(a.data(), b.data(), out.data(), w, h, AnyProgress(in), bits);
-    if (in.ConsumeBool()) instance.RenderAgain();  // a host reusing its record
+    const size_t at = in.ConsumeIntegralInRange(0, 3);
+    const std::vector<uint8_t> a = AnyFrame(w, h, in.ConsumeIntegral<uint16_t>(), at);
+    const std::vector<uint8_t> b = AnyFrame(w, h, in.ConsumeIntegral<uint32_t>(), at);
+    std::vector<uint8_t> out = AnyFrame(w, h, 7, at);
+    {
+      const krl::emu::ScopedHostConditions conditions(AnyConditions(in));
+      instance.Render(a.data() + at, b.data() + at, out.data() + at, w, h, AnyProgress(in), bits);
+      if (in.ConsumeBool()) instance.RenderAgain();  // a host reusing its record
+    }
+    if (!krl::emu::TakeConditionViolations().empty()) std::abort();  // the host's words not given back
     if (in.ConsumeBool()) SetFields(in, instance);
   }
   return 0;

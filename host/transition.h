@@ -18,9 +18,9 @@
 //   KR_TRANSITION_WITH_USER_DATA(Name, kTexts, kFields)
 //     the module keeps user data and defines <Name>Init and <Name>DeleteUserData.
 //
-// Every entry point the host calls goes through HostEntry (host/entry.h),
-// which puts the state the library computes in into place and gives the
-// host's back on return.
+// Every entry point the host calls goes through HostEntry or DeclarationEntry
+// (host/entry.h), which realign the stack, put the floating-point state the
+// library computes in into place and give the host's back on return.
 #pragma once
 
 #include "host/declare.h"
@@ -56,7 +56,7 @@ struct EffectTexts {
   };                                                                                                       \
   }                                                                                                        \
   }                                                                                                        \
-  KR_EXPORT int32_t KrDeclare##Name(t_KrHostInfo* hi) {                                                    \
+  KR_EXPORT KR_ENTRY_POINT int32_t KrDeclare##Name(t_KrHostInfo* hi) {                                     \
     return krl::DeclarationEntry(hi, krl::k##Name##Effect);                                                \
   }
 

@@ -3,6 +3,8 @@
 // once the budget is used up every procedure returns right after its next step.
 #include "raster/hilbert.h"
 
+#include "host/entry.h"
+
 #include <cstring>
 
 namespace krl {
@@ -70,7 +72,7 @@ KR_HILBERT_PROCEDURE(HilbertD, HilbertC, -1, 0, HilbertD, 0, -1, HilbertD, +1, 0
 
 }  // namespace krl
 
-void hilbert_a(int order) { krl::HilbertA(order); }
-void hilbert_b(int order) { krl::HilbertB(order); }
-void hilbert_c(int order) { krl::HilbertC(order); }
-void hilbert_d(int order) { krl::HilbertD(order); }
+KR_ENTRY_POINT void hilbert_a(int order) { krl::Guarded<krl::HilbertA>(order); }
+KR_ENTRY_POINT void hilbert_b(int order) { krl::Guarded<krl::HilbertB>(order); }
+KR_ENTRY_POINT void hilbert_c(int order) { krl::Guarded<krl::HilbertC>(order); }
+KR_ENTRY_POINT void hilbert_d(int order) { krl::Guarded<krl::HilbertD>(order); }

@@ -3,6 +3,8 @@
 // extended precision; every conversion truncates.
 #include "raster/terrain.h"
 
+#include "host/entry.h"
+
 #include <cstddef>
 #include <cstdlib>
 
@@ -152,12 +154,17 @@ void krl::GenerateTerrainDS(int32_t* map, int32_t size, int32_t levels, int32_t 
   }
 }
 
-void bxglGenerateTerrainDS(int32_t* map, int32_t size, int32_t levels, int32_t roughness, int32_t spectrum,
-                           int32_t* noise) {
-  krl::GenerateTerrainDS(map, size, levels, roughness, spectrum, noise);
-}
+namespace krl {
+// The bodies of the exported functions below.
+int32_t TerrainByTriangles(int32_t* map, int32_t size, int32_t levels, int32_t range, int32_t roughness);
+int32_t TerrainByTriangles2(int32_t* map, int32_t size, int32_t levels, int32_t range, int32_t roughness,
+                            int32_t* noise);
+void SubdivideOnce(int32_t* map, int32_t size, int32_t half, int32_t step, int32_t roughness);
+void SubdivideOnce2(int32_t* map, int32_t size, int32_t half, int32_t step, int32_t roughness, int32_t* noise);
+void LerpColorInPlace(int32_t* dst, int32_t src, int32_t alpha);
+}  // namespace krl
 
-int32_t bxglGenerateTerrain(int32_t* map, int32_t size, int32_t levels, int32_t range, int32_t roughness) {
+int32_t krl::TerrainByTriangles(int32_t* map, int32_t size, int32_t levels, int32_t range, int32_t roughness) {
   if (!krl::Usable(map, size)) return 0;  // no map: nothing to fill, no draws
   return krl::GenerateByTriangles(Map{map, size, size - 1}, levels, range, roughness, krl::DrawnDisplacement);
 }
@@ -175,25 +182,50 @@ struct NoiseDisplacement {
 }  // namespace
 }  // namespace krl
 
-int32_t bxglGenerateTerrain2(int32_t* map, int32_t size, int32_t levels, int32_t range, int32_t roughness,
+int32_t krl::TerrainByTriangles2(int32_t* map, int32_t size, int32_t levels, int32_t range, int32_t roughness,
                              int32_t* noise) {
   if (!krl::Usable(map, size) || noise == nullptr) return 0;  // nothing to fill from
   const Map m{map, size, size - 1};
   return krl::GenerateByTriangles(m, levels, range, roughness, krl::NoiseDisplacement{Map{noise, size, size - 1}});
 }
 
-void bxglSubdivideTerrain(int32_t* map, int32_t size, int32_t half, int32_t step, int32_t roughness) {
+void krl::SubdivideOnce(int32_t* map, int32_t size, int32_t half, int32_t step, int32_t roughness) {
   if (!krl::Usable(map, size)) return;
   krl::Subdivide(Map{map, size, size - 1}, half, step, roughness, krl::DrawnDisplacement);
 }
 
-void bxglSubdivideTerrain2(int32_t* map, int32_t size, int32_t half, int32_t step, int32_t roughness,
+void krl::SubdivideOnce2(int32_t* map, int32_t size, int32_t half, int32_t step, int32_t roughness,
                            int32_t* noise) {
   if (!krl::Usable(map, size) || noise == nullptr) return;
   krl::Subdivide(Map{map, size, size - 1}, half, step, roughness, krl::NoiseDisplacement{Map{noise, size, size - 1}});
 }
 
-void bxglLerpColor(int32_t* dst, int32_t src, int32_t alpha) {
+void krl::LerpColorInPlace(int32_t* dst, int32_t src, int32_t alpha) {
   if (dst == nullptr) return;
   *dst = static_cast<int32_t>(krl::LerpColor(static_cast<uint32_t>(*dst), static_cast<uint32_t>(src), alpha));
+}
+
+// The exported toolkit: each entry realigns the stack and puts the library's
+// floating-point state in place around the work (host/entry.h).
+KR_ENTRY_POINT void bxglGenerateTerrainDS(int32_t* map, int32_t size, int32_t levels, int32_t roughness,
+                                          int32_t spectrum, int32_t* noise) {
+  krl::Guarded<krl::GenerateTerrainDS>(map, size, levels, roughness, spectrum, static_cast<const int32_t*>(noise));
+}
+KR_ENTRY_POINT int32_t bxglGenerateTerrain(int32_t* map, int32_t size, int32_t levels, int32_t range,
+                                           int32_t roughness) {
+  return krl::Guarded<krl::TerrainByTriangles>(map, size, levels, range, roughness);
+}
+KR_ENTRY_POINT int32_t bxglGenerateTerrain2(int32_t* map, int32_t size, int32_t levels, int32_t range,
+                                            int32_t roughness, int32_t* noise) {
+  return krl::Guarded<krl::TerrainByTriangles2>(map, size, levels, range, roughness, noise);
+}
+KR_ENTRY_POINT void bxglSubdivideTerrain(int32_t* map, int32_t size, int32_t half, int32_t step, int32_t roughness) {
+  krl::Guarded<krl::SubdivideOnce>(map, size, half, step, roughness);
+}
+KR_ENTRY_POINT void bxglSubdivideTerrain2(int32_t* map, int32_t size, int32_t half, int32_t step, int32_t roughness,
+                                          int32_t* noise) {
+  krl::Guarded<krl::SubdivideOnce2>(map, size, half, step, roughness, noise);
+}
+KR_ENTRY_POINT void bxglLerpColor(int32_t* dst, int32_t src, int32_t alpha) {
+  krl::Guarded<krl::LerpColorInPlace>(dst, src, alpha);
 }

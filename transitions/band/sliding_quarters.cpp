@@ -126,9 +126,9 @@ int32_t SlidingQuartersRender(t_KrRenderInfo* ri) {
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT void bxglVTRSlidingQuarters(unsigned char* out, unsigned char* a, unsigned char* b, int32_t rowBytes,
+KR_EXPORT KR_ENTRY_POINT void bxglVTRSlidingQuarters(unsigned char* out, unsigned char* a, unsigned char* b, int32_t rowBytes,
                                       int32_t width, int32_t height, double progress) {
-  krl::SlidingQuarters(out, a, b, rowBytes, width, height, progress);
+  krl::Guarded<krl::SlidingQuarters>(out, a, b, rowBytes, width, height, progress);
 }
 
 KR_TRANSITION(SlidingQuarters, kTexts, kFields)

@@ -51,9 +51,9 @@ int32_t ZoomOutRender(t_KrRenderInfo* ri) {
 }  // namespace
 }  // namespace krl
 
-KR_EXPORT void bxglVTRZoomOut(unsigned char* out, unsigned char* a, unsigned char* b, int32_t /*rowBytes*/,
+KR_EXPORT KR_ENTRY_POINT void bxglVTRZoomOut(unsigned char* out, unsigned char* a, unsigned char* b, int32_t /*rowBytes*/,
                               int32_t width, int32_t height, double progress) {
-  krl::ZoomOutFrames(out, a, b, width, height, progress);
+  krl::Guarded<krl::ZoomOutFrames>(out, a, b, width, height, progress);
 }
 
 KR_TRANSITION(ZoomOut, kTexts, kFields)
