@@ -30,8 +30,8 @@ void ExpectDrewSinceSeed(size_t draws, const char* what) {
   EXPECT_EQ(next, NextAfter(draws)) << what;
 }
 
-std::vector<int32_t> NoiseTable(int32_t side, unsigned seed) {
-  std::srand(seed);
+std::vector<int32_t> NoiseTable(int32_t side, unsigned randStart) {
+  std::srand(randStart);
   std::vector<int32_t> noise(static_cast<size_t>(side) * side);
   for (int32_t& v : noise) v = std::rand() % 1024 - 512;
   return noise;

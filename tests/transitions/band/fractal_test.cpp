@@ -1,5 +1,5 @@
 // Fractal: the noise table the init makes, its end frames, that the table
-// (not the seed) decides the picture, and a render with no table.
+// (not the "Random Seed" field) decides the picture, and a render with no table.
 #include <gtest/gtest.h>
 
 #include <cstdlib>

@@ -19,8 +19,8 @@ emu::Frame Render(emu::Instance& instance, int32_t w, int32_t h, double progress
   return out;
 }
 
-int FirstDrawAfter(unsigned seed) {
-  std::srand(seed);
+int FirstDrawAfter(unsigned randStart) {
+  std::srand(randStart);
   return std::rand();
 }
 
