@@ -20,6 +20,15 @@ inline int32_t TruncToInt32(long double x) {
   return INT32_MIN;
 }
 
+// floor(x) as a signed 32-bit integer, held to the int32 range; a NaN gives
+// 0. The compare-and-step form avoids a library call per pixel.
+inline int32_t FloorToInt32(double x) {
+  if (!(x > -2147483648.0)) return x != x ? 0 : INT32_MIN;
+  if (!(x < 2147483647.0)) return INT32_MAX;
+  const int32_t t = static_cast<int32_t>(x);
+  return static_cast<double>(t) > x ? t - 1 : t;
+}
+
 // Truncation toward zero held to lo..hi, a NaN giving lo: for an edge or a
 // length computed from Progress, which may lie anywhere, huge or NaN.
 template <typename Int>
