@@ -8,6 +8,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -109,6 +110,39 @@ void RegeneratingEveryFrame(benchmark::State& state, const krl::emu::Host* host,
   CountFrames(state, size);
 }
 
+// How many rand() calls one regeneration makes. The transition reseeds
+// rand() with its variation, so replaying the generator from that value
+// until it meets the three values drawn right after the render counts them.
+int64_t RandCallsOfARegeneration(const krl::emu::Host* host, const krl::emu::DeclaredEffect* effect, Size size) {
+  constexpr int32_t kVariation = 4321;
+  krl::emu::Instance instance(*host, *effect);
+  const Inputs& in = InputsOf(size);
+  Frame out(size.w, size.h);
+  instance.SetValue("Variations of Transition", kVariation);
+  instance.Render(in.a, in.b, out, 0.5);
+  const int after[3] = {std::rand(), std::rand(), std::rand()};
+  std::srand(kVariation);
+  int window[3] = {std::rand(), std::rand(), std::rand()};
+  for (int64_t calls = 0; calls < (int64_t{1} << 32); ++calls) {
+    if (window[0] == after[0] && window[1] == after[1] && window[2] == after[2]) return calls;
+    window[0] = window[1];
+    window[1] = window[2];
+    window[2] = std::rand();
+  }
+  return 0;
+}
+
+// The cost of those rand() calls alone: what bounds the regeneration frame.
+void RandCallsOfRegeneration(benchmark::State& state, const krl::emu::Host* host, const krl::emu::DeclaredEffect* effect,
+                             Size size) {
+  const int64_t calls = RandCallsOfARegeneration(host, effect, size);
+  for (auto _ : state) {
+    for (int64_t i = 0; i < calls; ++i) benchmark::DoNotOptimize(std::rand());
+  }
+  state.counters["rand() calls"] = static_cast<double>(calls);
+  CountFrames(state, size);
+}
+
 // Collects each run's time per frame for the table at the end.
 class TableReporter : public benchmark::ConsoleReporter {
  public:
@@ -183,6 +217,7 @@ int main(int argc, char** argv) {
       if (!heavier.empty()) add(e.DisplayName() + "/" + size.Name() + "/heavier", Transition, host.get(), &e, size, heavier);
       if (e.DisplayName() == "Smouldering Paper") {
         add(e.DisplayName() + "/" + size.Name() + "/regenerating", RegeneratingEveryFrame, host.get(), &e, size);
+        add(e.DisplayName() + "/" + size.Name() + "/its rand() calls alone", RandCallsOfRegeneration, host.get(), &e, size);
       }
     }
   }
