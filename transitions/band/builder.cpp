@@ -15,18 +15,15 @@ namespace {
 constexpr EffectTexts kTexts{.menuPath = "Transitions/Special/Builder", .signature = "Builder (ZE plug-in SDK effect)",
                              .displayName = "Builder", .description = "Vb builds up like a wall."};
 
-FieldIndex inputA, inputB, transType, direction, divideX, divideY;
+ClipFields clip;
+FieldIndex direction, divideX, divideY;
 
-constexpr FieldSpec kFields[] = {
-    InputAField(&inputA),
-    InputBField(&inputB),
-    TransTypeField(&transType),
+constexpr auto kFields = FieldTable(clip,
     Selector(&direction, "Direction", "Direction", {{"Build Vb Up", 0}, {"Build Va Down", 1}})
         .Help("Specifies whether Vb is built up or Va built down.")
         .Default(0),
     DivideXField(&divideX),
-    DivideYField(&divideY),
-};
+    DivideYField(&divideY));
 
 // Columns x0..x1 - 1 of rows y0..y1 - 1: B on bx0..bx1 - 1, A on the rest.
 void PaintCourseRows(const FrameRows& rows, int32_t y0, int32_t y1, int32_t x0, int32_t x1, int32_t bx0,
@@ -75,7 +72,7 @@ void BuildTile(const FrameRows& rows, const Tile& t, double p) {
 }
 
 int32_t BuilderRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   const HostCalls host(ri);
   const int32_t dir = host.Field(direction);
   const int32_t nx = host.Field(divideX), ny = host.Field(divideY);

@@ -14,17 +14,14 @@ namespace {
 constexpr EffectTexts kTexts{.menuPath = "Transitions/Wipe/Chess Wipe", .signature = "Chess Wipe (ZE plug-in SDK effect)",
                              .displayName = "Chess Wipe", .description = "Va is wiped out by a chessboard."};
 
-FieldIndex inputA, inputB, transType, direction;
+ClipFields clip;
+FieldIndex direction;
 
-constexpr FieldSpec kFields[] = {
-    InputAField(&inputA),
-    InputBField(&inputB),
-    TransTypeField(&transType),
+constexpr auto kFields = FieldTable(clip,
     Selector(&direction, "Direction", "Direction",
              {{"Left > Right", 0}, {"Right > Left", 1}, {"Top > Bottom", 2}, {"Bottom > Top", 3}})
         .Help("Specifies the position where Vb starts to build up.")
-        .Default(0),
-};
+        .Default(0));
 
 // The board: 8 squares across the frame's smaller side, f = 8 / min(W, H) in
 // single precision. A pixel at board coordinates (u, v), each a whole number
@@ -118,7 +115,7 @@ void PaintRows(const FrameRows& rows, const Board& board, const RowSweep& s) {
 int32_t Edge(double distance, int32_t extent) { return TruncToRange(distance, int32_t{0}, extent); }
 
 int32_t ChessWipeRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   const int32_t travel = HostCalls(ri).Field(direction);
   if (ri->Width <= 0 || ri->Height <= 0) return 1;
   const FrameRows rows = FrameRows::Of(ri);

@@ -16,16 +16,13 @@ namespace {
 constexpr EffectTexts kTexts{.menuPath = "Transitions/Slide/Rotation", .signature = "Rotation (ZE plug-in SDK effect)",
                              .displayName = "Rotation", .description = "Va rotates to the side showing Vb."};
 
-FieldIndex inputA, inputB, transType, direction;
+ClipFields clip;
+FieldIndex direction;
 
-constexpr FieldSpec kFields[] = {
-    InputAField(&inputA),
-    InputBField(&inputB),
-    TransTypeField(&transType),
+constexpr auto kFields = FieldTable(clip,
     Selector(&direction, "Direction", "Direction", {{"Top Left", 0}, {"Top Right", 1}})
         .Help("Defines the position of the hinge or linchpin.")
-        .Default(0),
-};
+        .Default(0));
 
 // A turned frame wider or higher than 2^24, or of 2^31 pixels or more, is
 // left as it was: up to there every coordinate is exact in single precision
@@ -152,7 +149,7 @@ class TurnedA {
 };
 
 int32_t RotationRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   const bool hingeRight = HostCalls(ri).Field(direction) == 1;
   if (FramePixelCount(ri) == 0) return 1;
   const double theta = ri->Progress * 3.141592653589793 * 0.5;

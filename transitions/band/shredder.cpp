@@ -18,16 +18,13 @@ namespace {
 constexpr EffectTexts kTexts{.menuPath = "Transitions/Special/Shredder", .signature = "Shredder (ZE plug-in SDK effect)",
                              .displayName = "Shredder", .description = "Va is shredded making Vb visible."};
 
-FieldIndex inputA, inputB, transType, direction;
+ClipFields clip;
+FieldIndex direction;
 
-constexpr FieldSpec kFields[] = {
-    InputAField(&inputA),
-    InputBField(&inputB),
-    TransTypeField(&transType),
+constexpr auto kFields = FieldTable(clip,
     Selector(&direction, "Direction", "Direction", kTravelItems)
         .Help("Specifies the direction from where the shredder starts.")
-        .Default(0),
-};
+        .Default(0));
 
 // The edge of one line: `reach` = trunc(size x Progress), k the line's
 // counter. One draw while the wipe is incomplete; the product wraps in 32
@@ -88,7 +85,7 @@ void ShredColumns(const FrameRows& rows, int32_t reach, bool fromBottom) {
 }
 
 int32_t ShredderRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   const Travel travel = DecodeTravel(HostCalls(ri).Field(direction));
   if (FramePixelCount(ri) == 0) return 1;
   const FrameRows rows = FrameRows::Of(ri);

@@ -15,14 +15,14 @@ namespace {
 constexpr EffectTexts kTexts{.menuPath = "Transitions/Slide/Sliding Boxes", .signature = "Sliding Boxes (ZE plug-in SDK effect)",
                              .displayName = "Sliding Boxes", .description = "Vb slides as stripes into Va from one side."};
 
-FieldIndex inputA, inputB, transType;
+ClipFields clip;
 // The direction is read (and its default set) through this index, but no
 // statement declares it: the host never stores an index here, so it stays 0
 // and the host answers for its field 0. Only values other than 1, 2 and 3
 // draw, from left to right.
 FieldIndex direction;
 
-constexpr FieldSpec kFields[] = {InputAField(&inputA), InputBField(&inputB), TransTypeField(&transType)};
+constexpr auto kFields = FieldTable(clip);
 
 int32_t SlidingBoxesInit(t_KrRenderInfo* ri) {
   InitDefaults(ri, kFields);
@@ -51,7 +51,7 @@ Stage StageOf(int64_t w, int64_t bw, int64_t travel) {
 }
 
 int32_t SlidingBoxesRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   const int32_t dir = HostCalls(ri).Field(direction);
   if (dir == 1 || dir == 2 || dir == 3) return 1;
   if (ri->Width <= 0 || ri->Height <= 0) return 1;

@@ -19,9 +19,9 @@ namespace {
 constexpr EffectTexts kTexts{.menuPath = "Transitions/Slide/Sliding Quarters", .signature = "Sliding Quarters (ZE plug-in SDK effect)",
                              .displayName = "Sliding Quarters", .description = "Four quarters of Va slide out."};
 
-FieldIndex inputA, inputB, transType;
+ClipFields clip;
 
-constexpr FieldSpec kFields[] = {InputAField(&inputA), InputBField(&inputB), TransTypeField(&transType)};
+constexpr auto kFields = FieldTable(clip);
 
 // The three frames of one call, every copy held to them.
 struct QuarterFrames {
@@ -116,7 +116,7 @@ void SlidingQuarters(unsigned char* out, const unsigned char* a, const unsigned 
 }
 
 int32_t SlidingQuartersRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   // Width x 4 in 32 bits; a width so large that it wraps gives rows shorter than the width: nothing drawn.
   const int32_t rowBytes = static_cast<int32_t>(static_cast<uint32_t>(ri->Width) * 4u);
   SlidingQuarters(ri->Output, ri->InputA, ri->InputB, rowBytes, ri->Width, ri->Height, ri->Progress);

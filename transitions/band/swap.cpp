@@ -15,18 +15,15 @@ namespace {
 constexpr EffectTexts kTexts{.menuPath = "Transitions/Slide/Swap", .signature = "Swap (ZE plug-in SDK effect)",
                              .displayName = "Swap", .description = "Vb swaps with Va from one side."};
 
-FieldIndex inputA, inputB, transType, direction, divideX, divideY;
+ClipFields clip;
+FieldIndex direction, divideX, divideY;
 
-constexpr FieldSpec kFields[] = {
-    InputAField(&inputA),
-    InputBField(&inputB),
-    TransTypeField(&transType),
+constexpr auto kFields = FieldTable(clip,
     Selector(&direction, "Direction", "Direction", {{"Horizontal", 0}, {"Vertical", 1}})
         .Help("Specifies whether the clip is substituted vertically or horizontally.")
         .Default(0),
     Long(&divideX, "Divide_X", "X-division (1..8)", 1, 8).Limits().Help("Increases the number of pens on the x-axis.").Default(1),
-    Long(&divideY, "Divide_Y", "Y-division (1..8)", 1, 8).Limits().Help("Increases the number of pens on the y-axis.").Default(1),
-};
+    Long(&divideY, "Divide_Y", "Y-division (1..8)", 1, 8).Limits().Help("Increases the number of pens on the y-axis.").Default(1));
 
 // One cell along its axis of movement: [low, high) with the shift s. The A
 // part [low, m) and the B part [m, high) read `aShift` and `bShift` on.
@@ -41,7 +38,7 @@ SwapSpan SpanOf(int64_t low, int64_t high, int64_t s) {
 }
 
 int32_t SwapRender(t_KrRenderInfo* ri) {
-  if (!BeginRender(ri, transType)) return 0;
+  if (!BeginRender(ri, clip.transType)) return 0;
   const HostCalls host(ri);
   const int32_t dx = host.Field(divideX), dy = host.Field(divideY);
   const bool vertical = host.Field(direction) == 1;
