@@ -305,4 +305,4 @@ int32_t SpinRender(t_KrRenderInfo* ri) {
 }  // namespace krl
 
 KR_TRANSITION(Spin, kTexts, kFields)
-KR_TEST_PROFILE("Spin Away", .heavier = {"Divide_X=3", "Divide_Y=2", "Color=#FF2000", "IsAntiAlias=on"})
+KR_TEST_PROFILE("Spin Away", .heavier = {"Divide_X=3", "Divide_Y=2", "Color=#FF2000", "IsAntiAlias=on", "Direction=3"})
