@@ -29,7 +29,7 @@ constexpr float kTwoThirds = 0.6666667f;  // 2/3 as a single
 struct Steps {
   int32_t column;          // +1 or -1
   int32_t row;             // +1 or -1
-  int32_t upperRowMargin;  // the row-major neighbour above needs r > minRow + this
+  int32_t upperRowMargin;  // the neighbour row above (walking the columns) needs r > minRow + this
 };
 
 constexpr Steps StepsOf(EdgeWalk walk) {
@@ -116,45 +116,37 @@ void BlendEdge(EdgeWalk walk, const EdgeFrame& frame, EdgePoint from, EdgePoint 
     return step.column > 0 ? c < int64_t{frame.maxCol} - 1 : c > int64_t{frame.minCol} + 1;
   };
 
+  // The walk advances its major axis every step (the columns when dy < dx,
+  // else the rows, so a diagonal walks row by row) and its minor axis when
+  // the error term says so. Along the rows the two weights and the roles of
+  // the sources trade places against the walk along the columns.
+  const bool alongColumns = dy < dx;
+  const int64_t run = alongColumns ? dx : dy, rise = alongColumns ? dy : dx;
   int64_t x = from.x, y = from.y;
-  if (dy < dx) {  // along the columns
-    int64_t e = 2 * dy - dx;
-    while (walking(x)) {
-      const int64_t p = e;
-      int64_t t;
-      if (p >= 0) {
-        y += step.row;
-        t = p - dx;
-        e += 2 * (dy - dx);
-      } else {
-        t = p + dx;
-        e += 2 * dy;
-      }
-      x += step.column;
-      y = keepRow(y);
-      const Weights w = WeightsOf(t, dx, inv);
+  int64_t& major = alongColumns ? x : y;
+  int64_t& minor = alongColumns ? y : x;
+  const int32_t majorStep = alongColumns ? step.column : step.row, minorStep = alongColumns ? step.row : step.column;
+  int64_t e = 2 * rise - run;
+  while (walking(x)) {
+    int64_t t;
+    if (e >= 0) {
+      minor += minorStep;
+      t = e - run;
+      e += 2 * (rise - run);
+    } else {
+      t = e + run;
+      e += 2 * rise;
+    }
+    major += majorStep;
+    y = keepRow(y);
+    const Weights w = WeightsOf(t, run, inv);
+    if (alongColumns) {
       pixels.Blend(x, y, false, w.main);
       if (rowNeighbourAllowed(y)) pixels.Blend(x, y - step.row, false, w.side);
-    }
-    return;
-  }
-  // Along the rows (a diagonal too): the two weights and sources trade places.
-  int64_t e = 2 * dx - dy;
-  while (walking(x)) {
-    const int64_t p = e;
-    int64_t t;
-    if (p >= 0) {
-      x += step.column;
-      t = p - dy;
-      e += 2 * (dx - dy);
     } else {
-      t = p + dy;
-      e += 2 * dx;
+      pixels.Blend(x, y, true, w.side);
+      if (columnNeighbourAllowed(x)) pixels.Blend(x + step.column, y, true, w.main);
     }
-    y = keepRow(y + step.row);
-    const Weights w = WeightsOf(t, dy, inv);
-    pixels.Blend(x, y, true, w.side);
-    if (columnNeighbourAllowed(x)) pixels.Blend(x + step.column, y, true, w.main);
   }
 }
 
