@@ -1,15 +1,15 @@
 // The sine and cosine of every whole degree 0 .. 359, each rounded to six
 // decimals, for the 3D transitions that look their angles up here. They are
 // written as decimal literals (computed once to 40 digits and rounded), so
-// every build holds the same doubles whatever its math library. One list of
-// the sines of 0 .. 449 degrees holds both: cos d = sin (d + 90).
+// every build holds the same doubles whatever its math library. The cosines
+// are the sines a quarter turn on, cos d = sin (d + 90), taken at compile time.
 #pragma once
 
-#include <span>
+#include <array>
 
 namespace krl {
 
-inline constexpr double kSinesOfDegrees[450] = {
+inline constexpr std::array<double, 360> kSinDegrees = {
     0.000000, 0.017452, 0.034899, 0.052336, 0.069756, 0.087156, 0.104528, 0.121869, 0.139173, 0.156434,
     0.173648, 0.190809, 0.207912, 0.224951, 0.241922, 0.258819, 0.275637, 0.292372, 0.309017, 0.325568,
     0.342020, 0.358368, 0.374607, 0.390731, 0.406737, 0.422618, 0.438371, 0.453990, 0.469472, 0.484810,
@@ -46,18 +46,12 @@ inline constexpr double kSinesOfDegrees[450] = {
     -0.500000, -0.484810, -0.469472, -0.453990, -0.438371, -0.422618, -0.406737, -0.390731, -0.374607, -0.358368,
     -0.342020, -0.325568, -0.309017, -0.292372, -0.275637, -0.258819, -0.241922, -0.224951, -0.207912, -0.190809,
     -0.173648, -0.156434, -0.139173, -0.121869, -0.104528, -0.087156, -0.069756, -0.052336, -0.034899, -0.017452,
-    0.000000, 0.017452, 0.034899, 0.052336, 0.069756, 0.087156, 0.104528, 0.121869, 0.139173, 0.156434,
-    0.173648, 0.190809, 0.207912, 0.224951, 0.241922, 0.258819, 0.275637, 0.292372, 0.309017, 0.325568,
-    0.342020, 0.358368, 0.374607, 0.390731, 0.406737, 0.422618, 0.438371, 0.453990, 0.469472, 0.484810,
-    0.500000, 0.515038, 0.529919, 0.544639, 0.559193, 0.573576, 0.587785, 0.601815, 0.615661, 0.629320,
-    0.642788, 0.656059, 0.669131, 0.681998, 0.694658, 0.707107, 0.719340, 0.731354, 0.743145, 0.754710,
-    0.766044, 0.777146, 0.788011, 0.798636, 0.809017, 0.819152, 0.829038, 0.838671, 0.848048, 0.857167,
-    0.866025, 0.874620, 0.882948, 0.891007, 0.898794, 0.906308, 0.913545, 0.920505, 0.927184, 0.933580,
-    0.939693, 0.945519, 0.951057, 0.956305, 0.961262, 0.965926, 0.970296, 0.974370, 0.978148, 0.981627,
-    0.984808, 0.987688, 0.990268, 0.992546, 0.994522, 0.996195, 0.997564, 0.998630, 0.999391, 0.999848,
 };
 
-inline constexpr std::span<const double, 360> kSinDegrees{kSinesOfDegrees, 360};
-inline constexpr std::span<const double, 360> kCosDegrees{kSinesOfDegrees + 90, 360};
+inline constexpr std::array<double, 360> kCosDegrees = [] {
+  std::array<double, 360> cosines{};
+  for (int d = 0; d < 360; ++d) cosines[d] = kSinDegrees[(d + 90) % 360];
+  return cosines;
+}();
 
 }  // namespace krl
