@@ -63,8 +63,8 @@ struct Spin {
 
 // Per-frame room for the card tables, each as long as the longer frame side.
 struct CardTables {
-  Scratch<int32_t> sourceLine, kOfLine;     // per column (vertical axis) or per column of a row map
-  Scratch<ptrdiff_t> nearOffset, farOffset;  // per k: where a row (or column) reads
+  Scratch<int32_t> sourceLine;              // per column: where it reads (the column, or the row map's column)
+  Scratch<int32_t> kOfLine, runEnd;          // per column of a vertical card: its k, the end of its run
   Scratch<long double> nearScale, farScale;  // per k: y1 / (y1 + 2k), y1 / (y1 - 2k)
   size_t size = 0;
 
@@ -72,15 +72,12 @@ struct CardTables {
     size = n;
     sourceLine = AllocateScratch<int32_t>(n);
     kOfLine = AllocateScratch<int32_t>(n);
-    nearOffset = AllocateScratch<ptrdiff_t>(n);
-    farOffset = AllocateScratch<ptrdiff_t>(n);
+    runEnd = AllocateScratch<int32_t>(n);
     nearScale = AllocateScratch<long double>(n);
     farScale = AllocateScratch<long double>(n);
-    return sourceLine && kOfLine && nearOffset && farOffset && nearScale && farScale;
+    return sourceLine && kOfLine && runEnd && nearScale && farScale;
   }
 };
-
-constexpr ptrdiff_t kBackground = -1;
 
 // The scales about line `end` (y1 or x1, absolute) for every k up to kMax.
 void PrepareScales(CardTables& t, int32_t end, int32_t kMax) {
@@ -116,18 +113,35 @@ class Card {
     }
     PrepareScales(t_, c.y1, kMax);
     const bool leftFar = s_.farLow;
+    // Columns of one half with the same k read the same row: runs, each
+    // marked at its first column with the column after its last (positions
+    // counted from x0).
+    const int32_t begin = first - c.x0, end = last - c.x0, axis = hw;
+    int32_t* runEnd = t_.runEnd.get();
+    const int32_t* kOf = t_.kOfLine.get();
+    const int32_t* column = t_.sourceLine.get();
+    for (int32_t i = end - 1; i >= begin; --i) {
+      runEnd[i] = i + 1 < end && i + 1 != axis && kOf[i + 1] == kOf[i] ? runEnd[i + 1] : i + 1;
+    }
     for (int32_t y = c.y0; y < c.y1; ++y) {
-      for (int32_t k = 0; k <= kMax; ++k) {
-        t_.nearOffset[k] = RowOffset(ScaledLine(t_.nearScale[k], int64_t{y} + k, s_.rows.height));
-        const bool farShows = y >= int64_t{c.y0} + k && y < int64_t{c.y1} - k;
-        t_.farOffset[k] =
-            farShows ? RowOffset(ScaledLine(t_.farScale[k], int64_t{y} - k, s_.rows.height)) : kBackground;
+      PixelWord* out = s_.rows.Out(y) + c.x0;
+      FillRun(out, s_.background, begin);
+      FillRun(out + end, s_.background, c.Width() - end);
+      for (int32_t i = begin, stop; i < end; i = stop) {
+        const int32_t k = kOf[i];
+        stop = runEnd[i];
+        int32_t row;
+        if ((i < axis) != leftFar) {
+          row = ScaledLine(t_.nearScale[k], int64_t{y} + k, s_.rows.height);
+        } else if (y >= int64_t{c.y0} + k && y < int64_t{c.y1} - k) {
+          row = ScaledLine(t_.farScale[k], int64_t{y} - k, s_.rows.height);
+        } else {
+          FillRun(out + i, s_.background, stop - i);
+          continue;
+        }
+        const PixelWord* from = s_.shown + RowOffset(row);
+        for (int32_t j = i; j < stop; ++j) out[j] = from[column[j]];
       }
-      PixelWord* out = s_.rows.Out(y);
-      FillRun(out + c.x0, s_.background, first - c.x0);
-      FillRun(out + last, s_.background, c.x1 - last);
-      GatherColumns(out, first, xa, leftFar ? t_.farOffset.get() : t_.nearOffset.get());
-      GatherColumns(out, xa, last, leftFar ? t_.nearOffset.get() : t_.farOffset.get());
     }
     if (!s_.antiAlias) return;
     // The far half's top and bottom edges, from the axis to the far column.
@@ -199,18 +213,6 @@ class Card {
   }
 
   ptrdiff_t RowOffset(int32_t row) const { return static_cast<ptrdiff_t>(s_.rows.RowStart(row)); }
-
-  // Columns [from, to) of the card read the shown image at their row offset
-  // by k and their source column; a k without a row shows the background.
-  void GatherColumns(PixelWord* out, int32_t from, int32_t to, const ptrdiff_t* offsetOfK) const {
-    const int32_t* column = t_.sourceLine.get();
-    const int32_t* kOf = t_.kOfLine.get();
-    PixelWord* line = out + cell_.x0;
-    for (int32_t i = from - cell_.x0; i < to - cell_.x0; ++i) {
-      const ptrdiff_t offset = offsetOfK[kOf[i]];
-      line[i] = offset == kBackground ? s_.background : s_.shown[offset + column[i]];
-    }
-  }
 
   // The source column of every column [begin, end) of the card for one k,
   // the near half's or the far half's scale about column x1.
