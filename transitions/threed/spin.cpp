@@ -99,6 +99,11 @@ class Card {
  public:
   Card(const Spin& s, CardTables& t, const Cell& cell) : s_(s), t_(t), cell_(cell) {}
 
+  // A card turning about the vertical line xa: columns beyond pw = trunc(c x hw)
+  // of it are background; a column at distance d reads the source column
+  // xa -+ u, u = trunc(d / c), and its rows scaled by k = trunc(u x K) about
+  // row y1 / 2 of the frame: grown on the near half, shrunk on the far half,
+  // whose rows outside y0 + k .. y1 - k - 1 are background.
   void PaintVerticalAxis() const {
     const Cell& c = cell_;
     const int32_t hw = c.Width() >> 1, pw = TruncToInt32(s_.c * hw), xa = c.x0 + hw;
