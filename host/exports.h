@@ -38,6 +38,7 @@
   X(SlidingDoors)                             \
   X(SlidingQuarters)                          \
   X(SmoulderingPaper) /* "Smouldering Paper" */\
+  X(Spin) /* "Spin Away" */                   \
   X(Swap)                                     \
   X(Wipe)                                     \
   X(ZoomOut)

@@ -19,7 +19,7 @@ execute_process(COMMAND nm -D --defined-only "${LIBRARY}" OUTPUT_VARIABLE symbol
 string(REGEX MATCHALL "[0-9a-f]+ [A-Za-z] [^\n]+" lines "${symbols}")
 foreach(line IN LISTS lines)
   string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" name "${line}")
-  if(NOT name MATCHES "^(KrDeclare[A-Za-z]*|KrScriptExecute|KrScriptExecuteHi|KrDebug|bxglVTR(ZoomOut|SlidingQuarters)|bxgl(GenerateTerrain(DS|2)?|SubdivideTerrain2?|LerpColor)|hilbert_[abcd])$")
+  if(NOT name MATCHES "^(KrDeclare[A-Za-z]*|KrScriptExecute|KrScriptExecuteHi|KrDebug|bxglVTR(ZoomOut|SlidingQuarters)|bxgl(GenerateTerrain(DS|2)?|SubdivideTerrain2?|LerpColor)|hilbert_[abcd]|AntiAlias[1-4])$")
     message(SEND_ERROR "exported by mistake: ${name}")
   endif()
 endforeach()
