@@ -18,6 +18,8 @@
   X(CornerZoom)                               \
   X(CrossSplit)                               \
   X(DitherDissolve)                           \
+  X(Doors)                                    \
+  X(DoorsVertical)                            \
   X(FadeDissolve) /* "Traditional Fade" */    \
   X(FlashOver)                                \
   X(Fractal)                                  \
@@ -39,6 +41,8 @@
   X(SlidingQuarters)                          \
   X(SmoulderingPaper) /* "Smouldering Paper" */\
   X(Swap)                                     \
+  X(SwingingDoor)                             \
+  X(SwingingDoorVertical)                     \
   X(Wipe)                                     \
   X(ZoomOut)
 
