@@ -141,10 +141,13 @@ struct AcrossPlace {
 
 // The cell offset across that a door place at distance r shows, where the
 // slanted edge lies e in: the door's visible height cellSize - 2e shows the
-// whole cell. Worked out once per frame for every e a door has and every r.
+// whole cell. Worked out once per frame for every e a door has and every
+// r >= e, kept with the offsets of one r side by side (byDistance) or those
+// of one e, as the painter asks for them.
 class SourceOffsets {
  public:
-  SourceOffsets(int32_t cellSize, int32_t half, int32_t highestEdge) : cellSize_(cellSize), half_(half) {
+  SourceOffsets(int32_t cellSize, int32_t half, int32_t highestEdge, bool byDistance)
+      : cellSize_(cellSize), half_(half), byDistance_(byDistance) {
     if (highestEdge < 0) return;
     const int64_t entries = (int64_t{highestEdge} + 1) * (int64_t{half} + 1);
     if (entries > (int64_t{1} << 22)) return;  // larger cells compute each offset as it is asked for
@@ -153,17 +156,16 @@ class SourceOffsets {
     edges_ = highestEdge + 1;
     const bool exact = int64_t{half} * cellSize <= INT32_MAX;  // no product (r - e) * cellSize wraps
     for (int32_t e = 0; e < edges_; ++e) {
-      int32_t* row = &table_[static_cast<size_t>(e) * static_cast<size_t>(half + 1)];
       const int32_t height = cellSize - 2 * e;
       if (!exact || height <= 0) {
-        for (int32_t r = e; r <= half; ++r) row[r] = Compute(r, e);
+        for (int32_t r = e; r <= half; ++r) table_[Index(r, e)] = Compute(r, e);
         continue;
       }
       // Stepping r by 1 adds cellSize / height to the quotient.
       int32_t quotient = 0, remainder = 0;
       const int32_t step = cellSize / height, stepRemainder = cellSize % height;
       for (int32_t r = e; r <= half; ++r) {
-        row[r] = std::min(quotient, cellSize - 1);
+        table_[Index(r, e)] = std::min(quotient, cellSize - 1);
         quotient += step;
         remainder += stepRemainder;
         if (remainder >= height) {
@@ -176,11 +178,22 @@ class SourceOffsets {
 
   // For a door place: r >= e.
   int32_t At(int32_t r, int32_t e) const {
-    if (e >= 0 && e < edges_ && r <= half_) return table_[static_cast<size_t>(e) * static_cast<size_t>(half_ + 1) + static_cast<size_t>(r)];
+    if (e >= 0 && e < edges_ && r <= half_) return table_[Index(r, e)];
     return Compute(r, e);
   }
 
+  // The offsets of distance r for e = 0 .. min(r, highest edge), side by
+  // side; null when they are not kept so.
+  const int32_t* OfDistance(int32_t r) const {
+    return byDistance_ && edges_ > 0 && r >= 0 && r <= half_ ? &table_[Index(r, 0)] : nullptr;
+  }
+
  private:
+  size_t Index(int32_t r, int32_t e) const {
+    return byDistance_ ? static_cast<size_t>(r) * static_cast<size_t>(edges_) + static_cast<size_t>(e)
+                       : static_cast<size_t>(e) * static_cast<size_t>(half_ + 1) + static_cast<size_t>(r);
+  }
+
   int32_t Compute(int32_t r, int32_t e) const {
     const int32_t height = WrappingSubtract(cellSize_, WrappingMultiply(2, e));
     // Where the slanted edges meet (height 0) only r = e is a door place: its quotient 0 / 0 is taken as 0.
@@ -189,6 +202,7 @@ class SourceOffsets {
   }
 
   int32_t cellSize_, half_;
+  bool byDistance_;
   int32_t edges_ = 0;
   Scratch<int32_t> table_;
 };
@@ -311,13 +325,21 @@ struct DoorScene {
   const AcrossPlace* across;
   const SourceOffsets* offsets;
   Segment* segments;
+  int32_t lowestEdge, highestEdge;  // of the door places (the highest held to the half cell across)
+  const int32_t* edges;    // along[x].e and along[x].source once more, packed for the pixel loops
+  const int32_t* sources;
+  int32_t* columnSources;  // Vertical members: the source column of each door place for the edge `columnsEdge`
+  int32_t columnsEdge;
 };
 
 // The outside a door's cut edge is mixed with: the pen, or B where it is drawn.
 uint32_t Outside(const DoorScene& s, uint32_t revealed) { return s.pw != 0 ? s.pen : revealed; }
 
-// Doors, Swinging Door: an output row is one place across; along runs with x.
-void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, ByteDivider& divider) {
+// Doors, Swinging Door: an output row is one place across; along runs with
+// x. A door place reads the source row of its edge e: the row's source row
+// for every e up to r is worked out first (rowStarts), from the offsets of
+// distance r side by side, so the door's pixels are a gather by two tables.
+void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, size_t* rowStarts, ByteDivider& divider) {
   const AcrossPlace& row = s.across[y];
   if (row.r == kUnwritten) return;
   PixelWord* out = s.rows.Out(y);
@@ -325,6 +347,13 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, ByteDiv
   const AlongPlace* along = s.along;
   auto isDoor = [&](int32_t x) { return along[x].door && row.r >= along[x].e; };
   auto isCovered = [&](int32_t x) { return isDoor(x) || (along[x].pen && row.rPen >= along[x].e); };
+  const int32_t* offsets = s.offsets->OfDistance(row.r);
+  const bool gather = !s.aa && offsets != nullptr && s.lowestEdge >= 0;
+  if (gather) {
+    const int32_t edges = std::min(row.r, s.highestEdge);
+    const size_t width = static_cast<size_t>(s.rows.width);
+    for (int32_t e = 0; e <= edges; ++e) rowStarts[e] = static_cast<size_t>(row.Source(offsets[e], s.rows.height)) * width;
+  }
   for (int32_t i = 0; i < segmentCount; ++i) {
     const Segment& seg = s.segments[i];
     if (!seg.written) continue;
@@ -337,28 +366,36 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, ByteDiv
         out[x] = row.rPen == along[x].e ? MixQuarters(s.pen, revealed[x], along[x].q) : s.pen;
       }
     }
-    for (int32_t x = st.doorBegin; x < st.doorEnd;) {
-      // A stretch of one edge e reads one source row.
-      const int32_t e = along[x].e;
-      int32_t end = x + 1;
-      while (end < st.doorEnd && along[end].e == e) ++end;
-      const PixelWord* source = s.rows.A(row.Source(s.offsets->At(row.r, e), s.rows.height));
-      if (!s.aa) {
-        for (; x < end; ++x) out[x] = source[along[x].source];
-        continue;
+    if (gather) {
+      const int32_t* edges = s.edges;
+      const int32_t* sources = s.sources;
+      const PixelWord* from = s.rows.inputA;
+      // The reads jump between as many source rows as the row has edges, too many
+      // streams for the processor to foresee; the rows below are asked for ahead.
+      const uintptr_t ahead = reinterpret_cast<uintptr_t>(from) + 8 * static_cast<uintptr_t>(s.rows.width);
+      for (int32_t x = st.doorBegin; x < st.doorEnd; ++x) {
+        const size_t at = rowStarts[edges[x]] + static_cast<size_t>(sources[x]);
+        __builtin_prefetch(reinterpret_cast<const void*>(ahead + 4 * at));
+        out[x] = from[at];
       }
-      for (; x < end; ++x) {
-        const AlongPlace& p = along[x];
-        uint32_t v = BoxAverage(source, 1, p.source, p.boxLo, p.boxHi, divider);
-        if (row.r == e && p.q != 0) v = MixQuarters(v, Outside(s, revealed[x]), p.q);
-        out[x] = v;
-      }
+      continue;
+    }
+    // Anti-aliased, or offsets not kept (huge cells, or an edge below 0 where 32-bit products wrapped).
+    for (int32_t x = st.doorBegin; x < st.doorEnd; ++x) {
+      const AlongPlace& p = along[x];
+      const PixelWord* source = s.rows.A(row.Source(s.offsets->At(row.r, p.e), s.rows.height));
+      uint32_t v = s.aa ? BoxAverage(source, 1, p.source, p.boxLo, p.boxHi, divider) : source[p.source];
+      if (s.aa && row.r == p.e && p.q != 0) v = MixQuarters(v, Outside(s, revealed[x]), p.q);
+      out[x] = v;
     }
   }
 }
 
 // Vertical Doors, Vertical Swinging Door: an output row is one place along.
-void PaintRowAcrossX(const DoorScene& s, int32_t y, int32_t segmentCount, ByteDivider& divider) {
+// The source column of a door place depends on the row's edge e only, and
+// neighbouring rows mostly share it: the columns are worked out when e
+// changes (columnSources), and the doors are a gather from one source row.
+void PaintRowAcrossX(DoorScene& s, int32_t y, int32_t segmentCount, ByteDivider& divider) {
   const AlongPlace& row = s.along[y];
   if (row.c == kUnwritten) return;
   PixelWord* out = s.rows.Out(y);
@@ -367,6 +404,8 @@ void PaintRowAcrossX(const DoorScene& s, int32_t y, int32_t segmentCount, ByteDi
   auto isDoor = [&](int32_t x) { return row.door && across[x].r >= row.e; };
   auto isCovered = [&](int32_t x) { return isDoor(x) || (row.pen && across[x].rPen >= row.e); };
   const PixelWord* source = s.rows.A(row.source);
+  const bool fill = row.door && s.columnsEdge != row.e;
+  if (row.door) s.columnsEdge = row.e;
   const size_t stride = static_cast<size_t>(s.rows.width);
   for (int32_t i = 0; i < segmentCount; ++i) {
     const Segment& seg = s.segments[i];
@@ -380,12 +419,19 @@ void PaintRowAcrossX(const DoorScene& s, int32_t y, int32_t segmentCount, ByteDi
         out[x] = across[x].rPen == row.e ? MixQuarters(s.pen, revealed[x], row.q) : s.pen;
       }
     }
+    if (!s.aa) {
+      // The door places of a row are those with r >= e: rows of one e share them.
+      if (fill) {
+        for (int32_t x = st.doorBegin; x < st.doorEnd; ++x) {
+          s.columnSources[x] = across[x].Source(s.offsets->At(across[x].r, row.e), s.rows.width);
+        }
+      }
+      const int32_t* columnSources = s.columnSources;
+      for (int32_t x = st.doorBegin; x < st.doorEnd; ++x) out[x] = source[columnSources[x]];
+      continue;
+    }
     for (int32_t x = st.doorBegin; x < st.doorEnd; ++x) {
       const int32_t sx = across[x].Source(s.offsets->At(across[x].r, row.e), s.rows.width);
-      if (!s.aa) {
-        out[x] = source[sx];
-        continue;
-      }
       uint32_t v = BoxAverage(s.rows.inputA + sx, stride, row.source, row.boxLo, row.boxHi, divider);
       if (across[x].r == row.e && row.q != 0) v = MixQuarters(v, Outside(s, revealed[x]), row.q);
       out[x] = v;
@@ -440,24 +486,37 @@ int32_t RenderDoorPanels(t_KrRenderInfo* ri, const DoorPanelFields& fields, Door
            hingeFar);
   PlayAxis(acrossWrites.get(), lengthAcross, cellAcross, cellsAcross,
            twoDoors ? Placing::Mirrored : Placing::MirroredClamped, false);
-  int32_t highestEdge = -1;
+  int32_t lowestEdge = 0, highestEdge = -1;
   for (int32_t i = 0; i < lengthAlong; ++i) {
     along[i] = Along(alongWrites[i], turn, lengthAlong, cellAlong, pw, aa);
-    if (along[i].c != kUnwritten && along[i].door) highestEdge = std::max(highestEdge, std::min(along[i].e, halfAcross));
+    if (along[i].c == kUnwritten || !along[i].door) continue;
+    lowestEdge = std::min(lowestEdge, along[i].e);
+    highestEdge = std::max(highestEdge, std::min(along[i].e, halfAcross));
   }
   for (int32_t i = 0; i < lengthAcross; ++i) {
     const AxisPlace& a = acrossWrites[i];
     across[i] = {a.distance, WrappingAdd(a.distance, turn.ph), a.far, a.first, a.last};
   }
-  const SourceOffsets offsets(cellAcross, halfAcross, highestEdge);
+  const SourceOffsets offsets(cellAcross, halfAcross, highestEdge, columns);
 
-  DoorScene scene{FrameRows::Of(ri), columns, aa, pen, pw, along.get(), across.get(), &offsets, segments.get()};
+  Scratch<int32_t> edges = AllocateScratch<int32_t>(static_cast<size_t>(lengthAlong));
+  Scratch<int32_t> sources = AllocateScratch<int32_t>(static_cast<size_t>(lengthAlong));
+  Scratch<int32_t> columnSources = AllocateScratch<int32_t>(static_cast<size_t>(width));
+  if (!edges || !sources || !columnSources) return 1;
+  for (int32_t i = 0; i < lengthAlong; ++i) {
+    edges[i] = along[i].e;
+    sources[i] = along[i].source;
+  }
+  DoorScene scene{FrameRows::Of(ri), columns, aa, pen, pw, along.get(), across.get(), &offsets, segments.get(),
+                  lowestEdge, highestEdge, edges.get(), sources.get(), columnSources.get(), INT32_MIN};
   ByteDivider divider;
   if (columns) {
     const int32_t n = Segments(
         segments.get(), width, true, [&](int32_t x) { return along[x].c != kUnwritten; },
         [&](int32_t x) { return along[x].c; }, [&](int32_t x) { return along[x].e; });
-    for (int32_t y = 0; y < height; ++y) PaintRowAlongX(scene, y, n, divider);
+    Scratch<size_t> rowStarts = AllocateScratch<size_t>(static_cast<size_t>(std::max(highestEdge, 0)) + 1);
+    if (!rowStarts) return 1;
+    for (int32_t y = 0; y < height; ++y) PaintRowAlongX(scene, y, n, rowStarts.get(), divider);
   } else {
     const int32_t n = Segments(
         segments.get(), width, false, [&](int32_t x) { return across[x].r != kUnwritten; },
