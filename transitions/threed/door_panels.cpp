@@ -242,6 +242,17 @@ uint32_t BoxAverage(const PixelWord* line, size_t stride, int32_t centre, int32_
                     ByteDivider& divider) {
   const uint32_t middle = line[static_cast<size_t>(centre) * stride];
   if (boxLo > boxHi) return middle;
+  const uint32_t count = static_cast<uint32_t>(boxHi - boxLo) + 2;
+  if (count <= 257) {  // blue and red, green and alpha side by side: 257 x 255 fits 16 bits
+    uint32_t blueRed = middle & 0x00FF00FF, greenAlpha = (middle >> 8) & 0x00FF00FF;
+    for (int32_t k = boxLo; k <= boxHi; ++k) {
+      const uint32_t px = line[static_cast<size_t>(k) * stride];
+      blueRed += px & 0x00FF00FF;
+      greenAlpha += (px >> 8) & 0x00FF00FF;
+    }
+    return divider.Of(blueRed & 0xFFFF, count) | divider.Of(greenAlpha & 0xFFFF, count) << 8 |
+           divider.Of(blueRed >> 16, count) << 16 | divider.Of(greenAlpha >> 16, count) << 24;
+  }
   uint32_t sum[4] = {middle & 0xFF, (middle >> 8) & 0xFF, (middle >> 16) & 0xFF, middle >> 24};
   for (int32_t k = boxLo; k <= boxHi; ++k) {
     const uint32_t px = line[static_cast<size_t>(k) * stride];
@@ -250,7 +261,6 @@ uint32_t BoxAverage(const PixelWord* line, size_t stride, int32_t centre, int32_
     sum[2] += (px >> 16) & 0xFF;
     sum[3] += px >> 24;
   }
-  const uint32_t count = static_cast<uint32_t>(boxHi - boxLo) + 2;
   return divider.Of(sum[0], count) | divider.Of(sum[1], count) << 8 | divider.Of(sum[2], count) << 16 |
          divider.Of(sum[3], count) << 24;
 }
@@ -348,8 +358,8 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, size_t*
   auto isDoor = [&](int32_t x) { return along[x].door && row.r >= along[x].e; };
   auto isCovered = [&](int32_t x) { return isDoor(x) || (along[x].pen && row.rPen >= along[x].e); };
   const int32_t* offsets = s.offsets->OfDistance(row.r);
-  const bool gather = !s.aa && offsets != nullptr && s.lowestEdge >= 0;
-  if (gather) {
+  const bool tabled = offsets != nullptr && s.lowestEdge >= 0;
+  if (tabled) {
     const int32_t edges = std::min(row.r, s.highestEdge);
     const size_t width = static_cast<size_t>(s.rows.width);
     for (int32_t e = 0; e <= edges; ++e) rowStarts[e] = static_cast<size_t>(row.Source(offsets[e], s.rows.height)) * width;
@@ -366,13 +376,13 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, size_t*
         out[x] = row.rPen == along[x].e ? MixQuarters(s.pen, revealed[x], along[x].q) : s.pen;
       }
     }
-    if (gather) {
+    // The reads jump between as many source rows as the row has edges, too many
+    // streams for the processor to foresee; the rows two further on are asked for ahead.
+    const PixelWord* from = s.rows.inputA;
+    const uintptr_t ahead = reinterpret_cast<uintptr_t>(from) + 8 * static_cast<uintptr_t>(s.rows.width);
+    if (tabled && !s.aa) {
       const int32_t* edges = s.edges;
       const int32_t* sources = s.sources;
-      const PixelWord* from = s.rows.inputA;
-      // The reads jump between as many source rows as the row has edges, too many
-      // streams for the processor to foresee; the rows below are asked for ahead.
-      const uintptr_t ahead = reinterpret_cast<uintptr_t>(from) + 8 * static_cast<uintptr_t>(s.rows.width);
       for (int32_t x = st.doorBegin; x < st.doorEnd; ++x) {
         const size_t at = rowStarts[edges[x]] + static_cast<size_t>(sources[x]);
         __builtin_prefetch(reinterpret_cast<const void*>(ahead + 4 * at));
@@ -383,7 +393,9 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, size_t*
     // Anti-aliased, or offsets not kept (huge cells, or an edge below 0 where 32-bit products wrapped).
     for (int32_t x = st.doorBegin; x < st.doorEnd; ++x) {
       const AlongPlace& p = along[x];
-      const PixelWord* source = s.rows.A(row.Source(s.offsets->At(row.r, p.e), s.rows.height));
+      const PixelWord* source = tabled ? from + rowStarts[p.e]
+                                       : s.rows.A(row.Source(s.offsets->At(row.r, p.e), s.rows.height));
+      if (tabled) __builtin_prefetch(reinterpret_cast<const void*>(ahead + 4 * (rowStarts[p.e] + static_cast<size_t>(p.source))));
       uint32_t v = s.aa ? BoxAverage(source, 1, p.source, p.boxLo, p.boxHi, divider) : source[p.source];
       if (s.aa && row.r == p.e && p.q != 0) v = MixQuarters(v, Outside(s, revealed[x]), p.q);
       out[x] = v;
