@@ -345,6 +345,28 @@ struct DoorScene {
 // The outside a door's cut edge is mixed with: the pen, or B where it is drawn.
 uint32_t Outside(const DoorScene& s, uint32_t revealed) { return s.pw != 0 ? s.pen : revealed; }
 
+// One output row's segments: B copied, the pen filled (where the pen's own
+// edge is cut, penQuarter(x) gives the quarter of B it mixes in), and each
+// door stretch handed to paintDoors.
+template <typename IsDoor, typename IsCovered, typename PenQuarter, typename PaintDoors>
+void PaintSegments(const DoorScene& s, int32_t y, int32_t segmentCount, IsDoor isDoor, IsCovered isCovered,
+                   PenQuarter penQuarter, PaintDoors paintDoors) {
+  PixelWord* out = s.rows.Out(y);
+  const PixelWord* revealed = s.rows.B(y);
+  for (int32_t i = 0; i < segmentCount; ++i) {
+    const Segment& seg = s.segments[i];
+    if (!seg.written) continue;
+    const Stretches st = Split(seg, CountFromDoorEnd(seg, isDoor), CountFromDoorEnd(seg, isCovered));
+    CopyRun(out + st.revealedBegin, revealed + st.revealedBegin, st.revealedEnd - st.revealedBegin);
+    if (!s.aa) {
+      FillRun(out + st.penBegin, s.pen, st.penEnd - st.penBegin);
+    } else {
+      for (int32_t x = st.penBegin; x < st.penEnd; ++x) out[x] = MixQuarters(s.pen, revealed[x], penQuarter(x));
+    }
+    paintDoors(st.doorBegin, st.doorEnd);
+  }
+}
+
 // Doors, Swinging Door: an output row is one place across; along runs with
 // x. A door place reads the source row of its edge e: the row's source row
 // for every e up to r is worked out first (rowStarts), from the offsets of
@@ -364,18 +386,8 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, size_t*
     const size_t width = static_cast<size_t>(s.rows.width);
     for (int32_t e = 0; e <= edges; ++e) rowStarts[e] = static_cast<size_t>(row.Source(offsets[e], s.rows.height)) * width;
   }
-  for (int32_t i = 0; i < segmentCount; ++i) {
-    const Segment& seg = s.segments[i];
-    if (!seg.written) continue;
-    const Stretches st = Split(seg, CountFromDoorEnd(seg, isDoor), CountFromDoorEnd(seg, isCovered));
-    CopyRun(out + st.revealedBegin, revealed + st.revealedBegin, st.revealedEnd - st.revealedBegin);
-    if (!s.aa) {
-      FillRun(out + st.penBegin, s.pen, st.penEnd - st.penBegin);
-    } else {
-      for (int32_t x = st.penBegin; x < st.penEnd; ++x) {
-        out[x] = row.rPen == along[x].e ? MixQuarters(s.pen, revealed[x], along[x].q) : s.pen;
-      }
-    }
+  auto penQuarter = [&](int32_t x) { return row.rPen == along[x].e ? along[x].q : 0; };
+  PaintSegments(s, y, segmentCount, isDoor, isCovered, penQuarter, [&](int32_t doorBegin, int32_t doorEnd) {
     // The reads jump between as many source rows as the row has edges, too many
     // streams for the processor to foresee; the rows two further on are asked for ahead.
     const PixelWord* from = s.rows.inputA;
@@ -383,15 +395,15 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, size_t*
     if (tabled && !s.aa) {
       const int32_t* edges = s.edges;
       const int32_t* sources = s.sources;
-      for (int32_t x = st.doorBegin; x < st.doorEnd; ++x) {
+      for (int32_t x = doorBegin; x < doorEnd; ++x) {
         const size_t at = rowStarts[edges[x]] + static_cast<size_t>(sources[x]);
         __builtin_prefetch(reinterpret_cast<const void*>(ahead + 4 * at));
         out[x] = from[at];
       }
-      continue;
+      return;
     }
     // Anti-aliased, or offsets not kept (huge cells, or an edge below 0 where 32-bit products wrapped).
-    for (int32_t x = st.doorBegin; x < st.doorEnd; ++x) {
+    for (int32_t x = doorBegin; x < doorEnd; ++x) {
       const AlongPlace& p = along[x];
       const PixelWord* source = tabled ? from + rowStarts[p.e]
                                        : s.rows.A(row.Source(s.offsets->At(row.r, p.e), s.rows.height));
@@ -400,7 +412,7 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, size_t*
       if (s.aa && row.r == p.e && p.q != 0) v = MixQuarters(v, Outside(s, revealed[x]), p.q);
       out[x] = v;
     }
-  }
+  });
 }
 
 // Vertical Doors, Vertical Swinging Door: an output row is one place along.
@@ -419,36 +431,26 @@ void PaintRowAcrossX(DoorScene& s, int32_t y, int32_t segmentCount, ByteDivider&
   const bool fill = row.door && s.columnsEdge != row.e;
   if (row.door) s.columnsEdge = row.e;
   const size_t stride = static_cast<size_t>(s.rows.width);
-  for (int32_t i = 0; i < segmentCount; ++i) {
-    const Segment& seg = s.segments[i];
-    if (!seg.written) continue;
-    const Stretches st = Split(seg, CountFromDoorEnd(seg, isDoor), CountFromDoorEnd(seg, isCovered));
-    CopyRun(out + st.revealedBegin, revealed + st.revealedBegin, st.revealedEnd - st.revealedBegin);
-    if (!s.aa) {
-      FillRun(out + st.penBegin, s.pen, st.penEnd - st.penBegin);
-    } else {
-      for (int32_t x = st.penBegin; x < st.penEnd; ++x) {
-        out[x] = across[x].rPen == row.e ? MixQuarters(s.pen, revealed[x], row.q) : s.pen;
-      }
-    }
+  auto penQuarter = [&](int32_t x) { return across[x].rPen == row.e ? row.q : 0; };
+  PaintSegments(s, y, segmentCount, isDoor, isCovered, penQuarter, [&](int32_t doorBegin, int32_t doorEnd) {
     if (!s.aa) {
       // The door places of a row are those with r >= e: rows of one e share them.
       if (fill) {
-        for (int32_t x = st.doorBegin; x < st.doorEnd; ++x) {
+        for (int32_t x = doorBegin; x < doorEnd; ++x) {
           s.columnSources[x] = across[x].Source(s.offsets->At(across[x].r, row.e), s.rows.width);
         }
       }
       const int32_t* columnSources = s.columnSources;
-      for (int32_t x = st.doorBegin; x < st.doorEnd; ++x) out[x] = source[columnSources[x]];
-      continue;
+      for (int32_t x = doorBegin; x < doorEnd; ++x) out[x] = source[columnSources[x]];
+      return;
     }
-    for (int32_t x = st.doorBegin; x < st.doorEnd; ++x) {
+    for (int32_t x = doorBegin; x < doorEnd; ++x) {
       const int32_t sx = across[x].Source(s.offsets->At(across[x].r, row.e), s.rows.width);
       uint32_t v = BoxAverage(s.rows.inputA + sx, stride, row.source, row.boxLo, row.boxHi, divider);
       if (across[x].r == row.e && row.q != 0) v = MixQuarters(v, Outside(s, revealed[x]), row.q);
       out[x] = v;
     }
-  }
+  });
 }
 
 }  // namespace
