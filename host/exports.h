@@ -18,6 +18,8 @@
   X(CornerZoom)                               \
   X(CrossSplit)                               \
   X(DitherDissolve)                           \
+  X(Doors)                                    \
+  X(DoorsVertical)                            \
   X(FadeDissolve) /* "Traditional Fade" */    \
   X(FlashOver)                                \
   X(Fractal)                                  \
@@ -40,6 +42,8 @@
   X(SmoulderingPaper) /* "Smouldering Paper" */\
   X(Spin) /* "Spin Away" */                   \
   X(Swap)                                     \
+  X(SwingingDoor)                             \
+  X(SwingingDoorVertical)                     \
   X(Wipe)                                     \
   X(ZoomOut)
 

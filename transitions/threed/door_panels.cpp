@@ -1,0 +1,543 @@
+// The render the four Doors members share (see door_panels.h).
+//
+// Every cell writes its places in a fixed order (cell rows, cell columns,
+// then r from the cell's middle down to 0, c likewise, then the four mirror
+// images), and a place written twice keeps the later value. Who writes a
+// pixel last depends on its column alone for the column-side choices (cell
+// column, c, left or right) and on its row alone for the row-side choices
+// (cell row, r, upper or lower), because the writes of a cell form the
+// product of its columns and its rows and the order is lexicographic in
+// them. So the writes are played once along each axis into a table, and the
+// pixel loop reads a pixel's door place from the two tables: runs of B are
+// copies, runs of pen fills, doors gathers from A.
+#include "transitions/threed/door_panels.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/host_calls.h"
+#include "host/render_prologue.h"
+#include "raster/pixel_rows.h"
+#include "raster/scratch.h"
+
+namespace krl {
+namespace {
+
+constexpr int32_t kUnwritten = -1;
+
+// Which cell writes a place of one axis last, and as what.
+struct AxisPlace {
+  int32_t distance = kUnwritten;  // c along, r across; kUnwritten where no cell writes
+  bool far = false;               // the mirror image (right or lower), or a door hinged on the cell's last place
+  int64_t first = 0, last = 0;    // the cell's first and last place (the last cells may reach past the frame)
+};
+
+// How the writes of one axis are placed.
+enum class Placing : uint8_t {
+  Mirrored,         // d from the half size down to 0: first + d (past the frame: not written), then last - d
+  MirroredClamped,  // the same, first + d lowered to the frame's last place as well
+  Single,           // d over the whole cell, first + d, lowered to the frame's last place; the hinge far or near
+};
+
+// Plays the writes of one axis in their order into places[0 .. length).
+// Cells lying wholly past the frame all write the frame's last place with
+// the same values, so only the last of them is played.
+void PlayAxis(AxisPlace* places, int32_t length, int32_t cellSize, int32_t cells, Placing placing, bool hingeFar) {
+  for (int32_t i = 0; i < length; ++i) places[i] = AxisPlace{};
+  const int64_t lastPlace = length - 1;
+  const int32_t half = (cellSize + 1) >> 1;
+  auto write = [&](int64_t at, int32_t distance, bool far, int64_t first, int64_t last) {
+    if (at < 0 || at > lastPlace) return;  // a cell one place wide mirrors to -1: not written
+    places[at] = {distance, far, first, last};
+  };
+  auto playCell = [&](int32_t i) {
+    const int64_t first = int64_t{i} * cellSize, last = first + cellSize - 1;
+    if (placing == Placing::Single) {
+      for (int32_t c = cellSize - 1; c >= 0; --c) {
+        write(std::min(first + c, lastPlace), hingeFar ? cellSize - 1 - c : c, hingeFar, first, last);
+      }
+      return;
+    }
+    for (int32_t d = half; d >= 0; --d) {
+      const int64_t near = first + d;
+      write(placing == Placing::MirroredClamped ? std::min(near, lastPlace) : near, d, false, first, last);
+      write(std::min(last - d, lastPlace), d, true, first, last);
+    }
+  };
+  int32_t i = 0;
+  for (; i < cells && int64_t{i} * cellSize < length; ++i) playCell(i);
+  if (i < cells) playCell(cells - 1);
+}
+
+// The door's turn in one frame, in 32-bit integers that wrap as the
+// machine's do; fx12 values carry 12 fraction bits.
+struct DoorTurn {
+  int32_t w;       // the door's projected length, at least 1
+  int32_t slope;   // fx12: how far the slanted edge moves in per place of distance from the hinge
+  int32_t ratio;   // fx12: source places per destination place along the door
+  int32_t radius;  // anti-aliasing: the box reaches this far either side along the door
+  int32_t ph;      // the pen's depth beyond the slanted edges
+};
+
+DoorTurn TurnDoors(int32_t p, int32_t length, bool twoDoors, int32_t dAlong, int32_t dAcross, int32_t pw) {
+  int32_t t = WrappingMultiply(p, length) / 10000;
+  if (t < 1) t = 1;
+  const int32_t most = twoDoors ? length - 1 : length - 2;
+  if (t > most) t = most;
+  DoorTurn turn{};
+  turn.w = twoDoors ? length - t : length - t - 1;
+  const int32_t depth =
+      DoorSquareRoot(WrappingSubtract(WrappingMultiply(length, length), WrappingMultiply(turn.w, turn.w)));
+  int32_t bulge = depth >> 2;
+  if (dAcross > dAlong) bulge = WrappingMultiply(bulge, TruncatingQuotient(WrappingMultiply(dAlong, 4096), dAcross)) >> 12;
+  turn.slope = WrappingMultiply(bulge, 4096) / turn.w;
+  turn.ratio = WrappingMultiply(length, 4096) / turn.w;
+  turn.radius = WrappingAdd(turn.ratio, 3072) >> 13;
+  turn.ph = pw != 0 ? WrappingAdd(WrappingMultiply(WrappingMultiply(pw, turn.slope), 3) >> 14, pw) : 0;
+  return turn;
+}
+
+// A place along the doors, with what follows from its distance c.
+struct AlongPlace {
+  int32_t c;             // kUnwritten where no cell writes
+  int32_t e;             // the slanted edge lies e places in from the cell's edge across
+  int32_t q;             // the edge's quarter-place fraction (0 without anti-aliasing)
+  int32_t source;        // the place along the source that the door shows here
+  int32_t boxLo, boxHi;  // anti-aliasing: the places beside it that are averaged in (empty when boxLo > boxHi)
+  bool door, pen;        // c <= w; the pen beyond the free edge reaches here
+};
+
+AlongPlace Along(const AxisPlace& at, const DoorTurn& turn, int32_t length, int32_t cellSize, int32_t pw, bool aa) {
+  AlongPlace p{};
+  p.c = at.distance;
+  if (p.c == kUnwritten) return p;
+  const int32_t s = WrappingMultiply(p.c, turn.slope);
+  p.e = s >> 12;
+  p.q = aa ? (s >> 10) & 3 : 0;
+  const int64_t sc = std::clamp(WrappingMultiply(p.c, turn.ratio) >> 12, 0, cellSize - 1);
+  // The near door's source of the last cell may lie past the frame: held to its last place.
+  const int64_t source = std::min(at.far ? at.last - sc : at.first + sc, int64_t{length} - 1);
+  p.source = static_cast<int32_t>(source);
+  p.boxLo = static_cast<int32_t>(std::max({source - turn.radius, at.first, int64_t{0}}));
+  p.boxHi = static_cast<int32_t>(std::min({source + turn.radius, at.last, int64_t{length} - 1}));
+  if (turn.radius <= 0) p.boxHi = p.boxLo - 1;
+  p.door = p.c <= turn.w;
+  p.pen = pw != 0 && p.c - pw <= turn.w;
+  return p;
+}
+
+// A place across the doors.
+struct AcrossPlace {
+  int32_t r;     // kUnwritten where no cell writes
+  int32_t rPen;  // r + ph
+  bool far;
+  int64_t first, last;
+
+  // The source place across for the cell offset sr, held to the frame.
+  int32_t Source(int32_t sr, int32_t length) const {
+    return static_cast<int32_t>(std::min(far ? last - sr : first + sr, int64_t{length} - 1));
+  }
+};
+
+// The cell offset across that a door place at distance r shows, where the
+// slanted edge lies e in: the door's visible height cellSize - 2e shows the
+// whole cell. Worked out once per frame for every e a door has and every
+// r >= e, kept with the offsets of one r side by side (byDistance) or those
+// of one e, as the painter asks for them.
+class SourceOffsets {
+ public:
+  SourceOffsets(int32_t cellSize, int32_t half, int32_t highestEdge, bool byDistance)
+      : cellSize_(cellSize), half_(half), byDistance_(byDistance) {
+    if (highestEdge < 0) return;
+    const int64_t entries = (int64_t{highestEdge} + 1) * (int64_t{half} + 1);
+    if (entries > (int64_t{1} << 22)) return;  // larger cells compute each offset as it is asked for
+    table_ = AllocateScratch<int32_t>(static_cast<size_t>(entries));
+    if (!table_) return;
+    edges_ = highestEdge + 1;
+    const bool exact = int64_t{half} * cellSize <= INT32_MAX;  // no product (r - e) * cellSize wraps
+    for (int32_t e = 0; e < edges_; ++e) {
+      const int32_t height = cellSize - 2 * e;
+      if (!exact || height <= 0) {
+        for (int32_t r = e; r <= half; ++r) table_[Index(r, e)] = Compute(r, e);
+        continue;
+      }
+      // Stepping r by 1 adds cellSize / height to the quotient.
+      int32_t quotient = 0, remainder = 0;
+      const int32_t step = cellSize / height, stepRemainder = cellSize % height;
+      for (int32_t r = e; r <= half; ++r) {
+        table_[Index(r, e)] = std::min(quotient, cellSize - 1);
+        quotient += step;
+        remainder += stepRemainder;
+        if (remainder >= height) {
+          ++quotient;
+          remainder -= height;
+        }
+      }
+    }
+  }
+
+  // For a door place: r >= e.
+  int32_t At(int32_t r, int32_t e) const {
+    if (e >= 0 && e < edges_ && r <= half_) return table_[Index(r, e)];
+    return Compute(r, e);
+  }
+
+  // The offsets of distance r for e = 0 .. min(r, highest edge), side by
+  // side; null when they are not kept so.
+  const int32_t* OfDistance(int32_t r) const {
+    return byDistance_ && edges_ > 0 && r >= 0 && r <= half_ ? &table_[Index(r, 0)] : nullptr;
+  }
+
+ private:
+  size_t Index(int32_t r, int32_t e) const {
+    return byDistance_ ? static_cast<size_t>(r) * static_cast<size_t>(edges_) + static_cast<size_t>(e)
+                       : static_cast<size_t>(e) * static_cast<size_t>(half_ + 1) + static_cast<size_t>(r);
+  }
+
+  int32_t Compute(int32_t r, int32_t e) const {
+    const int32_t height = WrappingSubtract(cellSize_, WrappingMultiply(2, e));
+    // Where the slanted edges meet (height 0) only r = e is a door place: its quotient 0 / 0 is taken as 0.
+    const int32_t sr = TruncatingQuotient(WrappingMultiply(WrappingSubtract(r, e), cellSize_), height);
+    return std::clamp(sr, 0, cellSize_ - 1);
+  }
+
+  int32_t cellSize_, half_;
+  bool byDistance_;
+  int32_t edges_ = 0;
+  Scratch<int32_t> table_;
+};
+
+// Each byte (inside * (4 - q) + outside * q) >> 2.
+uint32_t MixQuarters(uint32_t inside, uint32_t outside, int32_t q) {
+  const uint32_t wi = static_cast<uint32_t>(4 - q), wo = static_cast<uint32_t>(q);
+  uint32_t out = 0;
+  for (int shift = 0; shift < 32; shift += 8) {
+    const uint32_t a = (inside >> shift) & 0xFF, b = (outside >> shift) & 0xFF;
+    out |= (((a * wi + b * wo) >> 2) & 0xFF) << shift;
+  }
+  return out;
+}
+
+// n / d for n <= 255 * d by a multiplication: with m = ceil(2^32 / d) the
+// quotient is exact while n * d < 2^32, which 255 * d * d is for d < 4104.
+class ByteDivider {
+ public:
+  uint32_t Of(uint32_t n, uint32_t d) {
+    if (d >= 4104) return n / d;
+    if (d != d_) {
+      d_ = d;
+      m_ = ((uint64_t{1} << 32) + d - 1) / d;
+    }
+    return static_cast<uint32_t>((n * m_) >> 32);
+  }
+
+ private:
+  uint32_t d_ = 0;
+  uint64_t m_ = 0;
+};
+
+// The source pixel line[centre * stride], averaged along the door with the
+// pixels line[k * stride] for k in boxLo .. boxHi: the centre counts twice.
+uint32_t BoxAverage(const PixelWord* line, size_t stride, int32_t centre, int32_t boxLo, int32_t boxHi,
+                    ByteDivider& divider) {
+  const uint32_t middle = line[static_cast<size_t>(centre) * stride];
+  if (boxLo > boxHi) return middle;
+  const uint32_t count = static_cast<uint32_t>(boxHi - boxLo) + 2;
+  if (count <= 257) {  // blue and red, green and alpha side by side: 257 x 255 fits 16 bits
+    uint32_t blueRed = middle & 0x00FF00FF, greenAlpha = (middle >> 8) & 0x00FF00FF;
+    for (int32_t k = boxLo; k <= boxHi; ++k) {
+      const uint32_t px = line[static_cast<size_t>(k) * stride];
+      blueRed += px & 0x00FF00FF;
+      greenAlpha += (px >> 8) & 0x00FF00FF;
+    }
+    return divider.Of(blueRed & 0xFFFF, count) | divider.Of(greenAlpha & 0xFFFF, count) << 8 |
+           divider.Of(blueRed >> 16, count) << 16 | divider.Of(greenAlpha >> 16, count) << 24;
+  }
+  uint32_t sum[4] = {middle & 0xFF, (middle >> 8) & 0xFF, (middle >> 16) & 0xFF, middle >> 24};
+  for (int32_t k = boxLo; k <= boxHi; ++k) {
+    const uint32_t px = line[static_cast<size_t>(k) * stride];
+    sum[0] += px & 0xFF;
+    sum[1] += (px >> 8) & 0xFF;
+    sum[2] += (px >> 16) & 0xFF;
+    sum[3] += px >> 24;
+  }
+  return divider.Of(sum[0], count) | divider.Of(sum[1], count) << 8 | divider.Of(sum[2], count) << 16 |
+         divider.Of(sum[3], count) << 24;
+}
+
+// Places [begin, end) of an output row in which a door place's distance
+// steps by one and the tests below are monotone, so that from the end where
+// the doors are (goodAtBegin or not) they show door, then pen, then B.
+struct Segment {
+  int32_t begin, end;
+  bool written;
+  bool goodAtBegin;
+};
+
+// Splits [0, length) into segments: key(x) the distance, aux(x) a value that
+// must not move against it (the edge e along, r + ph across); the doors lie
+// at the small keys when smallKeyFirst.
+template <typename Written, typename Key, typename Aux>
+int32_t Segments(Segment* out, int32_t length, bool smallKeyFirst, Written written, Key key, Aux aux) {
+  int32_t count = 0;
+  for (int32_t x = 0; x < length;) {
+    const int32_t start = x++;
+    if (!written(start)) {
+      while (x < length && !written(x)) ++x;
+      out[count++] = {start, x, false, true};
+      continue;
+    }
+    int64_t step = 0;
+    for (; x < length && written(x); ++x) {
+      const int64_t dk = int64_t{key(x)} - key(x - 1), da = int64_t{aux(x)} - aux(x - 1);
+      if ((dk != 1 && dk != -1) || (step != 0 && dk != step) || (da != 0 && (da > 0) != (dk > 0))) break;
+      step = dk;
+    }
+    out[count++] = {start, x, true, (step >= 0) == smallKeyFirst};
+  }
+  return count;
+}
+
+// How many places from the segment's door end pass the test (which holds
+// for a first stretch of them only).
+template <typename Test>
+int32_t CountFromDoorEnd(const Segment& s, Test test) {
+  int32_t lo = 0, hi = s.end - s.begin;
+  while (lo < hi) {
+    const int32_t mid = (lo + hi + 1) / 2;
+    if (test(s.goodAtBegin ? s.begin + mid - 1 : s.end - mid)) {
+      lo = mid;
+    } else {
+      hi = mid - 1;
+    }
+  }
+  return lo;
+}
+
+struct Stretches {
+  int32_t doorBegin, doorEnd, penBegin, penEnd, revealedBegin, revealedEnd;
+};
+
+Stretches Split(const Segment& s, int32_t doors, int32_t covered) {
+  if (s.goodAtBegin) {
+    return {s.begin, s.begin + doors, s.begin + doors, s.begin + covered, s.begin + covered, s.end};
+  }
+  return {s.end - doors, s.end, s.end - covered, s.end - doors, s.begin, s.end - covered};
+}
+
+struct DoorScene {
+  FrameRows rows;  // inputA: the doors' picture D, inputB: the revealed R
+  bool columns;    // hinges on the cells' columns: along = x
+  bool aa;
+  uint32_t pen;
+  int32_t pw;
+  const AlongPlace* along;
+  const AcrossPlace* across;
+  const SourceOffsets* offsets;
+  Segment* segments;
+  int32_t lowestEdge, highestEdge;  // of the door places (the highest held to the half cell across)
+  const int32_t* edges;    // along[x].e and along[x].source once more, packed for the pixel loops
+  const int32_t* sources;
+  int32_t* columnSources;  // Vertical members: the source column of each door place for the edge `columnsEdge`
+  int32_t columnsEdge;
+};
+
+// The outside a door's cut edge is mixed with: the pen, or B where it is drawn.
+uint32_t Outside(const DoorScene& s, uint32_t revealed) { return s.pw != 0 ? s.pen : revealed; }
+
+// One output row's segments: B copied, the pen filled (where the pen's own
+// edge is cut, penQuarter(x) gives the quarter of B it mixes in), and each
+// door stretch handed to paintDoors.
+template <typename IsDoor, typename IsCovered, typename PenQuarter, typename PaintDoors>
+void PaintSegments(const DoorScene& s, int32_t y, int32_t segmentCount, IsDoor isDoor, IsCovered isCovered,
+                   PenQuarter penQuarter, PaintDoors paintDoors) {
+  PixelWord* out = s.rows.Out(y);
+  const PixelWord* revealed = s.rows.B(y);
+  for (int32_t i = 0; i < segmentCount; ++i) {
+    const Segment& seg = s.segments[i];
+    if (!seg.written) continue;
+    const Stretches st = Split(seg, CountFromDoorEnd(seg, isDoor), CountFromDoorEnd(seg, isCovered));
+    CopyRun(out + st.revealedBegin, revealed + st.revealedBegin, st.revealedEnd - st.revealedBegin);
+    if (!s.aa) {
+      FillRun(out + st.penBegin, s.pen, st.penEnd - st.penBegin);
+    } else {
+      for (int32_t x = st.penBegin; x < st.penEnd; ++x) out[x] = MixQuarters(s.pen, revealed[x], penQuarter(x));
+    }
+    paintDoors(st.doorBegin, st.doorEnd);
+  }
+}
+
+// Doors, Swinging Door: an output row is one place across; along runs with
+// x. A door place reads the source row of its edge e: the row's source row
+// for every e up to r is worked out first (rowStarts), from the offsets of
+// distance r side by side, so the door's pixels are a gather by two tables.
+void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, size_t* rowStarts, ByteDivider& divider) {
+  const AcrossPlace& row = s.across[y];
+  if (row.r == kUnwritten) return;
+  PixelWord* out = s.rows.Out(y);
+  const PixelWord* revealed = s.rows.B(y);
+  const AlongPlace* along = s.along;
+  auto isDoor = [&](int32_t x) { return along[x].door && row.r >= along[x].e; };
+  auto isCovered = [&](int32_t x) { return isDoor(x) || (along[x].pen && row.rPen >= along[x].e); };
+  const int32_t* offsets = s.offsets->OfDistance(row.r);
+  const bool tabled = offsets != nullptr && s.lowestEdge >= 0;
+  if (tabled) {
+    const int32_t edges = std::min(row.r, s.highestEdge);
+    const size_t width = static_cast<size_t>(s.rows.width);
+    for (int32_t e = 0; e <= edges; ++e) rowStarts[e] = static_cast<size_t>(row.Source(offsets[e], s.rows.height)) * width;
+  }
+  auto penQuarter = [&](int32_t x) { return row.rPen == along[x].e ? along[x].q : 0; };
+  PaintSegments(s, y, segmentCount, isDoor, isCovered, penQuarter, [&](int32_t doorBegin, int32_t doorEnd) {
+    // The reads jump between as many source rows as the row has edges, too many
+    // streams for the processor to foresee; the rows two further on are asked for ahead.
+    const PixelWord* from = s.rows.inputA;
+    const uintptr_t ahead = reinterpret_cast<uintptr_t>(from) + 8 * static_cast<uintptr_t>(s.rows.width);
+    if (tabled && !s.aa) {
+      const int32_t* edges = s.edges;
+      const int32_t* sources = s.sources;
+      for (int32_t x = doorBegin; x < doorEnd; ++x) {
+        const size_t at = rowStarts[edges[x]] + static_cast<size_t>(sources[x]);
+        __builtin_prefetch(reinterpret_cast<const void*>(ahead + 4 * at));
+        out[x] = from[at];
+      }
+      return;
+    }
+    // Anti-aliased, or offsets not kept (huge cells, or an edge below 0 where 32-bit products wrapped).
+    for (int32_t x = doorBegin; x < doorEnd; ++x) {
+      const AlongPlace& p = along[x];
+      const PixelWord* source = tabled ? from + rowStarts[p.e]
+                                       : s.rows.A(row.Source(s.offsets->At(row.r, p.e), s.rows.height));
+      if (tabled) __builtin_prefetch(reinterpret_cast<const void*>(ahead + 4 * (rowStarts[p.e] + static_cast<size_t>(p.source))));
+      uint32_t v = s.aa ? BoxAverage(source, 1, p.source, p.boxLo, p.boxHi, divider) : source[p.source];
+      if (s.aa && row.r == p.e && p.q != 0) v = MixQuarters(v, Outside(s, revealed[x]), p.q);
+      out[x] = v;
+    }
+  });
+}
+
+// Vertical Doors, Vertical Swinging Door: an output row is one place along.
+// The source column of a door place depends on the row's edge e only, and
+// neighbouring rows mostly share it: the columns are worked out when e
+// changes (columnSources), and the doors are a gather from one source row.
+void PaintRowAcrossX(DoorScene& s, int32_t y, int32_t segmentCount, ByteDivider& divider) {
+  const AlongPlace& row = s.along[y];
+  if (row.c == kUnwritten) return;
+  PixelWord* out = s.rows.Out(y);
+  const PixelWord* revealed = s.rows.B(y);
+  const AcrossPlace* across = s.across;
+  auto isDoor = [&](int32_t x) { return row.door && across[x].r >= row.e; };
+  auto isCovered = [&](int32_t x) { return isDoor(x) || (row.pen && across[x].rPen >= row.e); };
+  const PixelWord* source = s.rows.A(row.source);
+  const bool fill = row.door && s.columnsEdge != row.e;
+  if (row.door) s.columnsEdge = row.e;
+  const size_t stride = static_cast<size_t>(s.rows.width);
+  auto penQuarter = [&](int32_t x) { return across[x].rPen == row.e ? row.q : 0; };
+  PaintSegments(s, y, segmentCount, isDoor, isCovered, penQuarter, [&](int32_t doorBegin, int32_t doorEnd) {
+    if (!s.aa) {
+      // The door places of a row are those with r >= e: rows of one e share them.
+      if (fill) {
+        for (int32_t x = doorBegin; x < doorEnd; ++x) {
+          s.columnSources[x] = across[x].Source(s.offsets->At(across[x].r, row.e), s.rows.width);
+        }
+      }
+      const int32_t* columnSources = s.columnSources;
+      for (int32_t x = doorBegin; x < doorEnd; ++x) out[x] = source[columnSources[x]];
+      return;
+    }
+    for (int32_t x = doorBegin; x < doorEnd; ++x) {
+      const int32_t sx = across[x].Source(s.offsets->At(across[x].r, row.e), s.rows.width);
+      uint32_t v = BoxAverage(s.rows.inputA + sx, stride, row.source, row.boxLo, row.boxHi, divider);
+      if (across[x].r == row.e && row.q != 0) v = MixQuarters(v, Outside(s, revealed[x]), row.q);
+      out[x] = v;
+    }
+  });
+}
+
+}  // namespace
+
+int32_t RenderDoorPanels(t_KrRenderInfo* ri, const DoorPanelFields& fields, DoorAxis axis, DoorCount count) {
+  if (!BeginRender(ri, fields.clip.transType)) return 0;
+  const HostCalls host(ri);
+  const int32_t dx = host.Field(fields.divideX);
+  const int32_t dy = host.Field(fields.divideY);
+  const uint32_t pen = host.PenColor(fields.color);
+  const int32_t borderWidth = host.Field(fields.borderWidth);
+  const bool closing = host.Field(fields.closing) != 0;
+  const bool hingeFar = count == DoorCount::One && host.Field(fields.hinge) == 0;
+  const bool aa = host.Field(fields.antiAlias) != 0;
+
+  int32_t p = TruncToInt32(10000.0L * static_cast<long double>(ri->Progress));
+  if (closing) {
+    p = WrappingSubtract(10000, p);
+    std::swap(ri->InputA, ri->InputB);  // the doors carry the other clip and close over the first
+  }
+  const int32_t width = ri->Width, height = ri->Height;
+  if (width <= 0 || height <= 0) return 1;
+  if (dx < 1 || dy < 1) return 1;  // a division below 1 would divide the frame by zero: nothing is drawn
+  const int32_t cw = WrappingAdd(WrappingMultiply(width, 16) / dx, 15) >> 4;
+  const int32_t ch = WrappingAdd(WrappingMultiply(height, 16) / dy, 15) >> 4;
+  if (cw < 1 || ch < 1) return 1;  // a division beyond 16 x the frame (or a side past 2^27): cells of no place
+
+  // A negative thickness draws no pen; one beyond 2^20 draws as 2^20, wider than any cell that fits in memory.
+  const int32_t pw = std::clamp(borderWidth, 0, 1 << 20);
+  const bool columns = axis == DoorAxis::Columns;
+  const bool twoDoors = count == DoorCount::Two;
+  const int32_t lengthAlong = columns ? width : height, lengthAcross = columns ? height : width;
+  const int32_t cellAlong = columns ? cw : ch, cellAcross = columns ? ch : cw;
+  const int32_t cellsAlong = columns ? dx : dy, cellsAcross = columns ? dy : dx;
+  const int32_t halfAlong = (cellAlong + 1) >> 1, halfAcross = (cellAcross + 1) >> 1;
+  const DoorTurn turn = TurnDoors(p, twoDoors ? halfAlong : cellAlong, twoDoors, cellsAlong, cellsAcross, pw);
+
+  // Allocation fails only for frames too large to draw: they are left as they are.
+  Scratch<AxisPlace> alongWrites = AllocateScratch<AxisPlace>(static_cast<size_t>(lengthAlong));
+  Scratch<AxisPlace> acrossWrites = AllocateScratch<AxisPlace>(static_cast<size_t>(lengthAcross));
+  Scratch<AlongPlace> along = AllocateScratch<AlongPlace>(static_cast<size_t>(lengthAlong));
+  Scratch<AcrossPlace> across = AllocateScratch<AcrossPlace>(static_cast<size_t>(lengthAcross));
+  Scratch<Segment> segments = AllocateScratch<Segment>(static_cast<size_t>(width));
+  if (!alongWrites || !acrossWrites || !along || !across || !segments) return 1;
+
+  PlayAxis(alongWrites.get(), lengthAlong, cellAlong, cellsAlong, twoDoors ? Placing::Mirrored : Placing::Single,
+           hingeFar);
+  PlayAxis(acrossWrites.get(), lengthAcross, cellAcross, cellsAcross,
+           twoDoors ? Placing::Mirrored : Placing::MirroredClamped, false);
+  int32_t lowestEdge = 0, highestEdge = -1;
+  for (int32_t i = 0; i < lengthAlong; ++i) {
+    along[i] = Along(alongWrites[i], turn, lengthAlong, cellAlong, pw, aa);
+    if (along[i].c == kUnwritten || !along[i].door) continue;
+    lowestEdge = std::min(lowestEdge, along[i].e);
+    highestEdge = std::max(highestEdge, std::min(along[i].e, halfAcross));
+  }
+  for (int32_t i = 0; i < lengthAcross; ++i) {
+    const AxisPlace& a = acrossWrites[i];
+    across[i] = {a.distance, WrappingAdd(a.distance, turn.ph), a.far, a.first, a.last};
+  }
+  const SourceOffsets offsets(cellAcross, halfAcross, highestEdge, columns);
+
+  Scratch<int32_t> edges = AllocateScratch<int32_t>(static_cast<size_t>(lengthAlong));
+  Scratch<int32_t> sources = AllocateScratch<int32_t>(static_cast<size_t>(lengthAlong));
+  Scratch<int32_t> columnSources = AllocateScratch<int32_t>(static_cast<size_t>(width));
+  if (!edges || !sources || !columnSources) return 1;
+  for (int32_t i = 0; i < lengthAlong; ++i) {
+    edges[i] = along[i].e;
+    sources[i] = along[i].source;
+  }
+  DoorScene scene{FrameRows::Of(ri), columns, aa, pen, pw, along.get(), across.get(), &offsets, segments.get(),
+                  lowestEdge, highestEdge, edges.get(), sources.get(), columnSources.get(), INT32_MIN};
+  ByteDivider divider;
+  if (columns) {
+    const int32_t n = Segments(
+        segments.get(), width, true, [&](int32_t x) { return along[x].c != kUnwritten; },
+        [&](int32_t x) { return along[x].c; }, [&](int32_t x) { return along[x].e; });
+    Scratch<size_t> rowStarts = AllocateScratch<size_t>(static_cast<size_t>(std::max(highestEdge, 0)) + 1);
+    if (!rowStarts) return 1;
+    for (int32_t y = 0; y < height; ++y) PaintRowAlongX(scene, y, n, rowStarts.get(), divider);
+  } else {
+    const int32_t n = Segments(
+        segments.get(), width, false, [&](int32_t x) { return across[x].r != kUnwritten; },
+        [&](int32_t x) { return across[x].r; }, [&](int32_t x) { return across[x].rPen; });
+    for (int32_t y = 0; y < height; ++y) PaintRowAcrossX(scene, y, n, divider);
+  }
+  return 1;
+}
+
+}  // namespace krl
