@@ -71,17 +71,36 @@ inline StretchStrips StripsOf(int32_t length, double p, int32_t t, Travel travel
   return {length, {m + te, length}, {m, m + te}, {0, m}, false};
 }
 
-// The cells of the pen grid with their strips, for 0 < p < 1. Only the
-// division across the travel counts; a division below 1 draws nothing.
-template <typename PaintCell>
-void ForEachStretchCell(const t_KrRenderInfo* ri, const StretchReads& reads, PaintCell paint) {
+// The cells of the pen grid along the travel for 0 < p < 1; only the
+// division along the travel counts, so every cell spans the frame across
+// it. All cells but the last are `size` long, the last takes the remainder;
+// with a division beyond the frame's extent only the last is not empty. The
+// two lengths have their own strips, and each transition keeps a table per
+// length, the last one's from LastTableStart() on.
+struct StretchCells {
+  int32_t count = 0;  // 0 when the division is below 1: nothing is drawn
+  int32_t size = 0;
+  StretchStrips regular{}, last{};
+
+  int32_t First() const { return size > 0 ? 0 : count - 1; }
+  bool IsLast(int32_t i) const { return i == count - 1; }
+  int32_t Origin(int32_t i) const { return i * size; }
+  const StretchStrips& Strips(int32_t i) const { return IsLast(i) ? last : regular; }
+  int32_t LastTableStart() const { return count > 1 ? size : 0; }
+  int32_t TableStart(int32_t i) const { return IsLast(i) ? LastTableStart() : 0; }
+  int32_t TableLength() const { return LastTableStart() + last.length; }
+};
+
+inline StretchCells CellsAlong(const t_KrRenderInfo* ri, const StretchReads& reads) {
   const bool acrossColumns = AcrossColumns(reads.travel);
-  const int32_t dx = acrossColumns ? reads.pen.divideX : 1, dy = acrossColumns ? 1 : reads.pen.divideY;
+  const int32_t divisions = acrossColumns ? reads.pen.divideX : reads.pen.divideY;
+  if (divisions < 1) return {};
+  const int32_t extent = acrossColumns ? ri->Width : ri->Height;
+  const int32_t size = NominalCellSize(extent, divisions);
   const int32_t t = std::max(reads.pen.thickness, 0);
-  ForEachGridCell(ri->Width, ri->Height, dx, dy, [&](const Cell& cell) {
-    const int32_t length = acrossColumns ? cell.Width() : cell.Height();
-    paint(cell, StripsOf(length, ri->Progress, t, reads.travel));
-  });
+  // (divisions - 1) x size is at most the extent.
+  return {divisions, size, StripsOf(size, ri->Progress, t, reads.travel),
+          StripsOf(extent - (divisions - 1) * size, ri->Progress, t, reads.travel)};
 }
 
 }  // namespace krl
