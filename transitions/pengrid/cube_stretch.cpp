@@ -44,19 +44,20 @@ struct Face {
   double g;       // 1 / sqrt(1 + k x k) for the slope k of the slanted edges
 };
 
-// What one along-index of a face shows: hc x sc (its half height, the local
-// scale sc times half the across extent), 1 / sc, and the along-index it
-// reads in the cell.
-struct Slice {
-  double halfExtent;
-  double inverseScale;
-  int32_t from;
+// What the along-indices of a table show, one array each: hc x sc (the half
+// extent of the face there, the local scale sc times hc), 1 / sc, and the
+// along-index read in the cell.
+struct Slices {
+  double* halfExtent;
+  double* inverseScale;
+  int32_t* from;
+  Slices From(int32_t start) const { return {halfExtent + start, inverseScale + start, from + start}; }
 };
 
 // A face of the fraction f of the cell: the far-edge scale q of a face turned
 // by the angle whose cosine is f, seen from two cell lengths away, and the
 // perspective-correct reads of its along-indices into `slices`.
-Face FaceOf(const Strip& s, bool seamHigh, double f, int32_t length, double hc, Slice* slices) {
+Face FaceOf(const Strip& s, bool seamHigh, double f, int32_t length, double hc, const Slices& slices) {
   const int32_t j = s.Length();
   if (j == 0) return {s, seamHigh, 0.0};  // an empty face is skipped
   const double q = 1 / (1 + 0.5 * std::sqrt(1 - f * f));
@@ -69,7 +70,9 @@ Face FaceOf(const Strip& s, bool seamHigh, double f, int32_t length, double hc, 
     const double alpha = (sigma * q) / sc;
     const double u = seamHigh ? length * (1 - alpha) : length * alpha;
     // u lies in 0..L: the conversion truncates as floor does.
-    slices[i] = {hc * sc, 1 / sc, std::clamp(static_cast<int32_t>(u), 0, length - 1)};
+    slices.halfExtent[i] = hc * sc;
+    slices.inverseScale[i] = 1 / sc;
+    slices.from[i] = std::clamp(static_cast<int32_t>(u), 0, length - 1);
   }
   return {s, seamHigh, 1 / std::sqrt(1 + k * k)};
 }
@@ -102,15 +105,17 @@ int32_t FirstWhere(int32_t begin, int32_t count, Past past) {
 
 // The edge blend decides alone whether a pixel shows only the face, only
 // the background, or both; r falls along a run, so each of the three is one
-// part of it, found from the blend of black and white.
-template <typename Distance, typename Sample>
-void PaintRun(PixelWord* out, const Run& run, Distance r, Sample sample, uint32_t back, bool antiAlias) {
+// part of it, found from the blend of black and white. `paintFace` draws the
+// part showing the face alone, `sample` single pixels of the face.
+template <typename Distance, typename Sample, typename PaintFace>
+void PaintRun(PixelWord* out, const Run& run, Distance r, Sample sample, PaintFace paintFace, uint32_t back,
+              bool antiAlias) {
   constexpr uint32_t kBlack = 0, kWhite = 0xFFFFFFFF;
   auto blended = [&](int32_t k) { return Edge(kBlack, kWhite, r(run.At(k)), antiAlias); };
   const int32_t faceEnd = FirstWhere(0, run.count, [&](int32_t k) { return blended(k) != kWhite; });
   const int32_t backFrom = FirstWhere(faceEnd, run.count, [&](int32_t k) { return blended(k) == kBlack; });
   const Strip face = run.Part(0, faceEnd), edge = run.Part(faceEnd, backFrom), rest = run.Part(backFrom, run.count);
-  for (int32_t i = face.begin; i < face.end; ++i) out[i] = sample(i);
+  paintFace(face);
   for (int32_t i = edge.begin; i < edge.end; ++i) out[i] = Edge(back, sample(i), r(i), antiAlias);
   FillRun(out + rest.begin, back, rest.Length());
 }
@@ -128,7 +133,7 @@ struct CellFaces {
   Face faces[2];
 };
 
-CellFaces FacesOf(const StretchStrips& s, double hc, Slice* slices) {
+CellFaces FacesOf(const StretchStrips& s, double hc, const Slices& slices) {
   const int32_t n = s.b.Length();
   const double fb = static_cast<double>(n) / s.length, fa = static_cast<double>(s.length - n) / s.length;
   // The lower strip has its seam at its high end.
@@ -140,9 +145,11 @@ struct CubeFrame {
   FrameRows rows;
   const StretchCells& cells;
   CellFaces regular, last;
-  const Slice* slices;
-  int32_t extent;  // C, across the travel: every cell spans the frame across it
-  double hc;       // C x 0.5
+  Slices slices;
+  int32_t* across;  // room for the across indices of one line
+  int32_t* ahead;   // and for those of a line further on
+  int32_t extent;   // C, across the travel: every cell spans the frame across it
+  double hc;        // C x 0.5
   uint32_t pen, back;
   bool antiAlias;
 
@@ -151,26 +158,43 @@ struct CubeFrame {
 };
 
 // Travelling along columns the frames are walked row by row; in each cell's
-// row a face runs from its seam.
+// row a face runs from its seam. The across indices of a row's face are
+// found first, in a loop of their own, then the pixels are read. One row of
+// a face reads from many rows of its clip: the reads of the row kAhead rows
+// further on are announced to the cache first.
+constexpr int32_t kAhead = 2;
 void PaintAcrossColumns(const CubeFrame& f) {
   const size_t width = static_cast<size_t>(f.rows.width);
+  int32_t* across = f.across;
+  int32_t* ahead = f.ahead;
   for (int32_t y = 0; y < f.rows.height; ++y) {
     const double offset = (y + 0.5) - f.hc, distance = std::abs(offset);
+    const double offsetAhead = (y + kAhead + 0.5) - f.hc;
     PixelWord* out = f.rows.Out(y);
     for (int32_t i = f.cells.First(); i < f.cells.count; ++i) {
       const int32_t x0 = f.cells.Origin(i);
-      const Slice* slices = f.slices + f.cells.TableStart(i);
+      const Slices slices = f.slices.From(f.cells.TableStart(i));
       for (int32_t side = 0; side < 2; ++side) {
         const Face& face = f.FacesOfCell(i).faces[side];
         if (face.strip.Length() == 0) continue;
         const Run run{face.seamHigh ? face.strip.end - 1 : face.strip.begin, face.seamHigh ? -1 : 1,
                       face.strip.Length()};
         const PixelWord* clip = f.Clip(side) + x0;
+        const double* inverseScale = slices.inverseScale;
+        const int32_t* from = slices.from;
+        auto read = [&](int32_t row, int32_t k) {
+          return uint32_t{clip[static_cast<size_t>(row) * width + static_cast<size_t>(from[k])]};
+        };
         PaintRun(
-            out + x0, run, [&](int32_t k) { return (slices[k].halfExtent - distance) * face.g; },
-            [&](int32_t k) {
-              const size_t row = static_cast<size_t>(AcrossFrom(f.hc, offset, slices[k].inverseScale, f.extent));
-              return uint32_t{clip[row * width + static_cast<size_t>(slices[k].from)]};
+            out + x0, run, [&](int32_t k) { return (slices.halfExtent[k] - distance) * face.g; },
+            [&](int32_t k) { return read(AcrossFrom(f.hc, offset, inverseScale[k], f.extent), k); },
+            [&](const Strip& s) {
+              for (int32_t k = s.begin; k < s.end; ++k) across[k] = AcrossFrom(f.hc, offset, inverseScale[k], f.extent);
+              for (int32_t k = s.begin; k < s.end; ++k) ahead[k] = AcrossFrom(f.hc, offsetAhead, inverseScale[k], f.extent);
+              for (int32_t k = s.begin; k < s.end; k += 4) {
+                __builtin_prefetch(&clip[static_cast<size_t>(ahead[k]) * width + static_cast<size_t>(from[k])]);
+              }
+              for (int32_t k = s.begin; k < s.end; ++k) out[x0 + k] = read(across[k], k);
             },
             f.back, f.antiAlias);
       }
@@ -181,23 +205,29 @@ void PaintAcrossColumns(const CubeFrame& f) {
 }
 
 // Travelling along rows: every row of a face runs out from the middle of the
-// columns both ways.
+// columns both ways, reading one source row.
 void PaintAcrossRows(const CubeFrame& f) {
   const int32_t middle = f.extent / 2;
   const Run halves[] = {{middle, 1, f.extent - middle}, {middle - 1, -1, middle}};
+  int32_t* across = f.across;
   for (int32_t i = f.cells.First(); i < f.cells.count; ++i) {
     const int32_t y0 = f.cells.Origin(i);
-    const Slice* slices = f.slices + f.cells.TableStart(i);
+    const Slices slices = f.slices.From(f.cells.TableStart(i));
     for (int32_t side = 0; side < 2; ++side) {
       const Face& face = f.FacesOfCell(i).faces[side];
       for (int32_t k = face.strip.begin; k < face.strip.end; ++k) {
-        const Slice& slice = slices[k];
-        const PixelWord* from = f.Clip(side) + f.rows.RowStart(y0 + slice.from);
+        const double halfExtent = slices.halfExtent[k], inverseScale = slices.inverseScale[k];
+        const PixelWord* from = f.Clip(side) + f.rows.RowStart(y0 + slices.from[k]);
+        PixelWord* out = f.rows.Out(y0 + k);
+        auto acrossAt = [&](int32_t x) { return AcrossFrom(f.hc, (x + 0.5) - f.hc, inverseScale, f.extent); };
         for (const Run& run : halves) {
           PaintRun(
-              f.rows.Out(y0 + k), run,
-              [&](int32_t x) { return (slice.halfExtent - std::abs((x + 0.5) - f.hc)) * face.g; },
-              [&](int32_t x) { return uint32_t{from[AcrossFrom(f.hc, (x + 0.5) - f.hc, slice.inverseScale, f.extent)]}; },
+              out, run, [&](int32_t x) { return (halfExtent - std::abs((x + 0.5) - f.hc)) * face.g; },
+              [&](int32_t x) { return uint32_t{from[acrossAt(x)]}; },
+              [&](const Strip& s) {
+                for (int32_t x = s.begin; x < s.end; ++x) across[x] = acrossAt(x);
+                for (int32_t x = s.begin; x < s.end; ++x) out[x] = from[across[x]];
+              },
               f.back, f.antiAlias);
         }
       }
@@ -217,15 +247,21 @@ int32_t CubeStretchRender(t_KrRenderInfo* ri) {
 
   const StretchCells cells = CellsAlong(ri, reads);
   if (cells.count == 0) return 1;
-  const Scratch<Slice> slices = AllocateScratch<Slice>(static_cast<size_t>(cells.TableLength()));
-  if (!slices) return 1;  // no memory for the tables: the output stays as it was
   const bool acrossColumns = AcrossColumns(reads.travel);
   const int32_t extent = acrossColumns ? ri->Height : ri->Width;
+  // The tables, then the across indices of one line (a run is at most a cell long or the extent).
+  const size_t length = static_cast<size_t>(cells.TableLength());
+  const size_t line = std::max(length, static_cast<size_t>(extent));
+  const Scratch<double> reals = AllocateScratch<double>(2 * length);
+  const Scratch<int32_t> indices = AllocateScratch<int32_t>(length + 2 * line);
+  if (!reals || !indices) return 1;  // no memory for the tables: the output stays as it was
+  const Slices slices{reals.get(), reals.get() + length, indices.get()};
   const double hc = extent * 0.5;
-  const CellFaces regular = cells.count > 1 ? FacesOf(cells.regular, hc, slices.get()) : CellFaces{};
-  const CellFaces last = FacesOf(cells.last, hc, slices.get() + cells.LastTableStart());
-  const CubeFrame frame{FrameRows::Of(ri), cells, regular, last, slices.get(), extent, hc, reads.pen.pen, back,
-                        antiAlias};
+  const CellFaces regular = cells.count > 1 ? FacesOf(cells.regular, hc, slices) : CellFaces{};
+  const CellFaces last = FacesOf(cells.last, hc, slices.From(cells.LastTableStart()));
+  const CubeFrame frame{FrameRows::Of(ri), cells, regular, last, slices, indices.get() + length,
+                        indices.get() + length + line, extent, hc,
+                        reads.pen.pen, back, antiAlias};
   if (acrossColumns) {
     PaintAcrossColumns(frame);
   } else {
