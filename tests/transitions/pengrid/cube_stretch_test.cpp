@@ -3,6 +3,7 @@
 // the background beside them, blended along the slanted edges on request.
 #include <gtest/gtest.h>
 
+#include "raster/pixel_mix.h"
 #include "stretch_support.h"
 
 namespace krl::test {
@@ -96,14 +97,8 @@ TEST(CubeStretch, TurnsTheStripsAsFacesOfACube) {
   }
 }
 
-// Byte by byte (P x wP + Q x (256 - wP) + 128) >> 8.
-uint32_t Blend(uint32_t p, uint32_t q, uint32_t wP) {
-  uint32_t out = 0;
-  for (int shift = 0; shift < 32; shift += 8) {
-    out |= ((((p >> shift) & 0xFF) * wP + ((q >> shift) & 0xFF) * (256 - wP) + 128) >> 8) << shift;
-  }
-  return out;
-}
+// The background's share of a pixel is wP 256ths.
+uint32_t Blend(uint32_t background, uint32_t face, int32_t wP) { return MixWeighted(face, background, wP); }
 
 TEST(CubeStretch, BlendsTheBackgroundByCoverage) {
   // 5 x 7 half way: A's face has q = 1 / 1.4, and at column 3 hc x sc is 3
