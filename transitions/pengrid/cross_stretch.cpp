@@ -27,7 +27,7 @@ void SqueezeInto(const Strip& s, int32_t length, int32_t* from) {
 }
 
 // One row of a strip across columns; `clip` and `out` start at the cell.
-void Gather(PixelWord* out, const PixelWord* clip, const int32_t* from, const Strip& s) {
+void Gather(PixelWord* out, const PixelWord* clip, const int32_t* from, Strip s) {
   for (int32_t i = s.begin; i < s.end; ++i) out[i] = clip[from[i]];
 }
 
