@@ -17,6 +17,8 @@
   X(ChessWipe)                                \
   X(CornerZoom)                               \
   X(CrossSplit)                               \
+  X(CrossStretch)                             \
+  X(CubeStretch)                              \
   X(DitherDissolve)                           \
   X(Doors)                                    \
   X(DoorsVertical)                            \

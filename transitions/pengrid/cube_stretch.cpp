@@ -1,0 +1,277 @@
+// Cube Stretch: the strips of Cross Stretch drawn as the two visible faces
+// of a cube turning in every cell. The seam is the cube's near edge and keeps
+// the full extent across the travel; each face turns away from the viewer,
+// so its far edge is shorter the more the face is squeezed, and its picture
+// is compressed toward that edge. The wedges beside the shortened faces show
+// the background colour, blended along the slanted edges with anti-aliasing.
+#include <cmath>
+
+#include "host/transition.h"
+#include "raster/edge_profile.h"
+#include "raster/pixel_rows.h"
+#include "raster/scratch.h"
+#include "transitions/pengrid/stretch_strips.h"
+
+namespace krl {
+namespace {
+
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Stretch/Cube Stretch",
+                             .signature = "Cube Stretch (ZE plug-in SDK effect)", .displayName = "Cube Stretch",
+                             .description = "Like Cross Stretch but looks 3-dimensional."};
+
+PenGridFields fields;
+FieldIndex backColor, antiAliasing;
+
+// The fields of Cross Stretch, then the background and anti-aliasing.
+constexpr std::array<FieldSpec, kPenGridFieldCount + 2> CubeFieldTable() {
+  std::array<FieldSpec, kPenGridFieldCount + 2> table{};
+  const std::array<FieldSpec, kPenGridFieldCount> stretch = StretchFieldTable(fields);
+  for (size_t i = 0; i < kPenGridFieldCount; ++i) table[i] = stretch[i];
+  table[kPenGridFieldCount] =
+      Color(&backColor, "BackColor", "Background Color").Help("Defines the background color.").DefaultColor(0, 0, 0);
+  table[kPenGridFieldCount + 1] = Bool(&antiAliasing, "Anti-Aliasing", "Anti-Aliasing")
+                                      .Help("This option offers an improvement of quality.")
+                                      .Default(0);
+  return table;
+}
+
+constexpr auto kFields = CubeFieldTable();
+
+// One strip drawn as a face turned away from the viewer.
+struct Face {
+  Strip strip;
+  bool seamHigh;  // the seam, the cube's near edge, is at the strip's high end
+  double g;       // 1 / sqrt(1 + k x k) for the slope k of the slanted edges
+};
+
+// What the along-indices of a table show, one array each: hc x sc (the half
+// extent of the face there, the local scale sc times hc), 1 / sc, and the
+// along-index read in the cell.
+struct Slices {
+  double* halfExtent;
+  double* inverseScale;
+  int32_t* from;
+  Slices From(int32_t start) const { return {halfExtent + start, inverseScale + start, from + start}; }
+};
+
+// A face of the fraction f of the cell: the far-edge scale q of a face turned
+// by the angle whose cosine is f, seen from two cell lengths away, and the
+// perspective-correct reads of its along-indices into `slices`.
+Face FaceOf(const Strip& s, bool seamHigh, double f, int32_t length, double hc, const Slices& slices) {
+  const int32_t j = s.Length();
+  if (j == 0) return {s, seamHigh, 0.0};  // an empty face is skipped
+  const double q = 1 / (1 + 0.5 * std::sqrt(1 - f * f));
+  const double k = (hc * (1 - q)) / j;
+  for (int32_t i = s.begin; i < s.end; ++i) {
+    const double a = i + 0.5;
+    // 0 at the seam, 1 at the far edge.
+    const double sigma = seamHigh ? ((s.begin + j) - a) / j : (a - s.begin) / j;
+    const double sc = 1 - sigma * (1 - q);
+    const double alpha = (sigma * q) / sc;
+    const double u = seamHigh ? length * (1 - alpha) : length * alpha;
+    // u lies in 0..L: the conversion truncates as floor does.
+    slices.halfExtent[i] = hc * sc;
+    slices.inverseScale[i] = 1 / sc;
+    slices.from[i] = std::clamp(static_cast<int32_t>(u), 0, length - 1);
+  }
+  return {s, seamHigh, 1 / std::sqrt(1 + k * k)};
+}
+
+// Pixels of a line running away from where a face is widest: index
+// first + step x k for k = 0 .. count - 1, their distance r to the slanted
+// edge falling with k.
+struct Run {
+  int32_t first, step, count;
+  int32_t At(int32_t k) const { return first + step * k; }
+  // The indices of k0 .. k1 - 1, ascending.
+  Strip Part(int32_t k0, int32_t k1) const { return step > 0 ? Strip{At(k0), At(k1)} : Strip{At(k1) + 1, At(k0) + 1}; }
+};
+
+// The first k of begin .. count - 1 where `past` holds, for a test that
+// stays true once true; count when there is none.
+template <typename Past>
+int32_t FirstWhere(int32_t begin, int32_t count, Past past) {
+  int32_t lo = begin, hi = count;
+  while (lo < hi) {
+    const int32_t mid = lo + (hi - lo) / 2;
+    if (past(mid)) {
+      hi = mid;
+    } else {
+      lo = mid + 1;
+    }
+  }
+  return lo;
+}
+
+// The edge blend decides alone whether a pixel shows only the face, only
+// the background, or both; r falls along a run, so each of the three is one
+// part of it, found from the blend of black and white. `paintFace` draws the
+// part showing the face alone, `sample` single pixels of the face.
+template <typename Distance, typename Sample, typename PaintFace>
+void PaintRun(PixelWord* out, const Run& run, Distance r, Sample sample, PaintFace paintFace, uint32_t back,
+              bool antiAlias) {
+  constexpr uint32_t kBlack = 0, kWhite = 0xFFFFFFFF;
+  auto blended = [&](int32_t k) { return Edge(kBlack, kWhite, r(run.At(k)), antiAlias); };
+  const int32_t faceEnd = FirstWhere(0, run.count, [&](int32_t k) { return blended(k) != kWhite; });
+  const int32_t backFrom = FirstWhere(faceEnd, run.count, [&](int32_t k) { return blended(k) == kBlack; });
+  const Strip face = run.Part(0, faceEnd), edge = run.Part(faceEnd, backFrom), rest = run.Part(backFrom, run.count);
+  paintFace(face);
+  for (int32_t i = edge.begin; i < edge.end; ++i) out[i] = Edge(back, sample(i), r(i), antiAlias);
+  FillRun(out + rest.begin, back, rest.Length());
+}
+
+// The across source index of v = hc + (b - hc) x ic. On a face v lies within
+// -C..2.5 C (ic is at most 1.5), far inside 32 bits; truncation and floor
+// differ only between -1 and 0, where both clamp to 0.
+inline int32_t AcrossFrom(double hc, double offset, double inverseScale, int32_t extent) {
+  return std::clamp(static_cast<int32_t>(hc + offset * inverseScale), 0, extent - 1);
+}
+
+// The B face and the A face of the cells of one length; their slices are
+// those of the table kept for that length.
+struct CellFaces {
+  Face faces[2];
+};
+
+CellFaces FacesOf(const StretchStrips& s, double hc, const Slices& slices) {
+  const int32_t n = s.b.Length();
+  const double fb = static_cast<double>(n) / s.length, fa = static_cast<double>(s.length - n) / s.length;
+  // The lower strip has its seam at its high end.
+  return {{FaceOf(s.b, s.bLow, fb, s.length, hc, slices), FaceOf(s.a, !s.bLow, fa, s.length, hc, slices)}};
+}
+
+// What every cell of a frame shares.
+struct CubeFrame {
+  FrameRows rows;
+  const StretchCells& cells;
+  CellFaces regular, last;
+  Slices slices;
+  int32_t* across;  // room for the across indices of one line
+  int32_t* ahead;   // and for those of a line further on
+  int32_t extent;   // C, across the travel: every cell spans the frame across it
+  double hc;        // C x 0.5
+  uint32_t pen, back;
+  bool antiAlias;
+
+  const CellFaces& FacesOfCell(int32_t i) const { return cells.IsLast(i) ? last : regular; }
+  const PixelWord* Clip(int32_t face) const { return face == 0 ? rows.inputB : rows.inputA; }
+};
+
+// Travelling along columns the frames are walked row by row; in each cell's
+// row a face runs from its seam. The across indices of a row's face are
+// found first, in a loop of their own, then the pixels are read. One row of
+// a face reads from many rows of its clip: the reads of the row kAhead rows
+// further on are announced to the cache first.
+constexpr int32_t kAhead = 2;
+void PaintAcrossColumns(const CubeFrame& f) {
+  const size_t width = static_cast<size_t>(f.rows.width);
+  int32_t* across = f.across;
+  int32_t* ahead = f.ahead;
+  for (int32_t y = 0; y < f.rows.height; ++y) {
+    const double offset = (y + 0.5) - f.hc, distance = std::abs(offset);
+    const double offsetAhead = (y + kAhead + 0.5) - f.hc;
+    PixelWord* out = f.rows.Out(y);
+    for (int32_t i = f.cells.First(); i < f.cells.count; ++i) {
+      const int32_t x0 = f.cells.Origin(i);
+      const Slices slices = f.slices.From(f.cells.TableStart(i));
+      for (int32_t side = 0; side < 2; ++side) {
+        const Face& face = f.FacesOfCell(i).faces[side];
+        if (face.strip.Length() == 0) continue;
+        const Run run{face.seamHigh ? face.strip.end - 1 : face.strip.begin, face.seamHigh ? -1 : 1,
+                      face.strip.Length()};
+        const PixelWord* clip = f.Clip(side) + x0;
+        const double* inverseScale = slices.inverseScale;
+        const int32_t* from = slices.from;
+        auto read = [&](int32_t row, int32_t k) {
+          return uint32_t{clip[static_cast<size_t>(row) * width + static_cast<size_t>(from[k])]};
+        };
+        PaintRun(
+            out + x0, run, [&](int32_t k) { return (slices.halfExtent[k] - distance) * face.g; },
+            [&](int32_t k) { return read(AcrossFrom(f.hc, offset, inverseScale[k], f.extent), k); },
+            [&](const Strip& s) {
+              for (int32_t k = s.begin; k < s.end; ++k) across[k] = AcrossFrom(f.hc, offset, inverseScale[k], f.extent);
+              for (int32_t k = s.begin; k < s.end; ++k) ahead[k] = AcrossFrom(f.hc, offsetAhead, inverseScale[k], f.extent);
+              for (int32_t k = s.begin; k < s.end; k += 4) {
+                __builtin_prefetch(&clip[static_cast<size_t>(ahead[k]) * width + static_cast<size_t>(from[k])]);
+              }
+              for (int32_t k = s.begin; k < s.end; ++k) out[x0 + k] = read(across[k], k);
+            },
+            f.back, f.antiAlias);
+      }
+      const Strip& pen = f.cells.Strips(i).pen;
+      FillRun(out + x0 + pen.begin, f.pen, pen.Length());
+    }
+  }
+}
+
+// Travelling along rows: every row of a face runs out from the middle of the
+// columns both ways, reading one source row.
+void PaintAcrossRows(const CubeFrame& f) {
+  const int32_t middle = f.extent / 2;
+  const Run halves[] = {{middle, 1, f.extent - middle}, {middle - 1, -1, middle}};
+  int32_t* across = f.across;
+  for (int32_t i = f.cells.First(); i < f.cells.count; ++i) {
+    const int32_t y0 = f.cells.Origin(i);
+    const Slices slices = f.slices.From(f.cells.TableStart(i));
+    for (int32_t side = 0; side < 2; ++side) {
+      const Face& face = f.FacesOfCell(i).faces[side];
+      for (int32_t k = face.strip.begin; k < face.strip.end; ++k) {
+        const double halfExtent = slices.halfExtent[k], inverseScale = slices.inverseScale[k];
+        const PixelWord* from = f.Clip(side) + f.rows.RowStart(y0 + slices.from[k]);
+        PixelWord* out = f.rows.Out(y0 + k);
+        auto acrossAt = [&](int32_t x) { return AcrossFrom(f.hc, (x + 0.5) - f.hc, inverseScale, f.extent); };
+        for (const Run& run : halves) {
+          PaintRun(
+              out, run, [&](int32_t x) { return (halfExtent - std::abs((x + 0.5) - f.hc)) * face.g; },
+              [&](int32_t x) { return uint32_t{from[acrossAt(x)]}; },
+              [&](const Strip& s) {
+                for (int32_t x = s.begin; x < s.end; ++x) across[x] = acrossAt(x);
+                for (int32_t x = s.begin; x < s.end; ++x) out[x] = from[across[x]];
+              },
+              f.back, f.antiAlias);
+        }
+      }
+    }
+    const Strip& pen = f.cells.Strips(i).pen;
+    for (int32_t k = pen.begin; k < pen.end; ++k) FillRun(f.rows.Out(y0 + k), f.pen, f.extent);
+  }
+}
+
+int32_t CubeStretchRender(t_KrRenderInfo* ri) {
+  if (!BeginRender(ri, fields.transType)) return 0;
+  const HostCalls host(ri);
+  const StretchReads reads = ReadStretch(host, fields);
+  const uint32_t back = host.PenColor(backColor);
+  const bool antiAlias = host.Field(antiAliasing) != 0;
+  if (!DrawsBetweenEnds(ri)) return 1;
+
+  const StretchCells cells = CellsAlong(ri, reads);
+  if (cells.count == 0) return 1;
+  const bool acrossColumns = AcrossColumns(reads.travel);
+  const int32_t extent = acrossColumns ? ri->Height : ri->Width;
+  // The tables, then the across indices of one line (a run is at most a cell long or the extent).
+  const size_t length = static_cast<size_t>(cells.TableLength());
+  const size_t line = std::max(length, static_cast<size_t>(extent));
+  const Scratch<double> reals = AllocateScratch<double>(2 * length);
+  const Scratch<int32_t> indices = AllocateScratch<int32_t>(length + 2 * line);
+  if (!reals || !indices) return 1;  // no memory for the tables: the output stays as it was
+  const Slices slices{reals.get(), reals.get() + length, indices.get()};
+  const double hc = extent * 0.5;
+  const CellFaces regular = cells.count > 1 ? FacesOf(cells.regular, hc, slices) : CellFaces{};
+  const CellFaces last = FacesOf(cells.last, hc, slices.From(cells.LastTableStart()));
+  const CubeFrame frame{FrameRows::Of(ri), cells, regular, last, slices, indices.get() + length,
+                        indices.get() + length + line, extent, hc,
+                        reads.pen.pen, back, antiAlias};
+  if (acrossColumns) {
+    PaintAcrossColumns(frame);
+  } else {
+    PaintAcrossRows(frame);
+  }
+  return 1;
+}
+
+}  // namespace
+}  // namespace krl
+
+KR_TRANSITION(CubeStretch, kTexts, kFields)
+KR_TEST_PROFILE("Cube Stretch", .heavier = {"Divide_X=4", "BorderWidth=6", "Color=#FF2000", "Direction=1", "Anti-Aliasing=on"})
