@@ -15,6 +15,7 @@
   X(CenterZoom)                               \
   X(ChaoticDissolve)                          \
   X(ChessWipe)                                \
+  X(Clock)                                    \
   X(CornerZoom)                               \
   X(CrossSplit)                               \
   X(DitherDissolve)                           \
@@ -39,6 +40,7 @@
   X(SlidingQuarters)                          \
   X(SmoulderingPaper) /* "Smouldering Paper" */\
   X(Swap)                                     \
+  X(WindscreenWiper)                          \
   X(Wipe)                                     \
   X(ZoomOut)
 

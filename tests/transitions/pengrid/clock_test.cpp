@@ -1,0 +1,87 @@
+// Clock: the worked frames of its description on 100 x 80 (centre (50, 40)),
+// and frames with grids, pens and anti-aliasing compared pixel for pixel with
+// the rule written out plainly.
+#include <gtest/gtest.h>
+
+#include "raster/edge_profile.h"
+#include "raster/exact_trig.h"
+#include "sweep_support.h"
+
+namespace krl::test {
+namespace {
+
+const std::string kClock = "Clock";
+
+TEST(Clock, WholeFrames) {
+  const struct {
+    const char* what;
+    double progress;
+    FieldValues values;
+    Picture expected;
+  } cases[] = {
+      {"a quarter turn from 12", 0.25, {{"BorderWidth", 2}},
+       [](int32_t x, int32_t y) { return x < 50 ? 'A' : y >= 40 ? 'B' : y >= 38 ? 'P' : 'A'; }},
+      {"three quarters from 12", 0.75, {{"BorderWidth", 2}},
+       [](int32_t x, int32_t y) { return x >= 50 ? 'B' : y >= 42 ? 'A' : y >= 40 ? 'P' : 'B'; }},
+      {"a quarter counter-clockwise from 3", 0.25, {{"BorderWidth", 2}, {"Direction", 1}, {"StartPosition", 1}},
+       [](int32_t x, int32_t y) { return y < 40 ? 'A' : x >= 50 ? 'B' : x >= 48 ? 'P' : 'A'; }},
+      {"half a turn", 0.5, {}, [](int32_t x, int32_t) { return x < 50 ? 'A' : 'B'; }},
+      {"half a turn in four cells", 0.5, {{"Divide_X", 2}, {"Divide_Y", 2}},
+       [](int32_t x, int32_t) { return x % 50 < 25 ? 'A' : 'B'; }},
+      {"6 o'clock is 12, Direction 4 clockwise", 0.25, {{"BorderWidth", 2}, {"StartPosition", 6}, {"Direction", 4}},
+       [](int32_t x, int32_t y) { return x < 50 ? 'A' : y >= 40 ? 'B' : y >= 38 ? 'P' : 'A'; }},
+      {"first frame", 0.0, {{"BorderWidth", 2}}, [](int32_t, int32_t) { return 'A'; }},
+      {"last frame", 1.0, {{"BorderWidth", 2}}, [](int32_t, int32_t) { return 'B'; }},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(FirstMismatch(RenderCoded(kClock, 100, 80, c.progress, c.values), c.expected), "") << c.what;
+    // Both lines lie on pixel borders: anti-aliasing blends nothing.
+    FieldValues smooth = c.values;
+    smooth.emplace_back("Anti-Aliasing", 1);
+    EXPECT_EQ(FirstMismatch(RenderCoded(kClock, 100, 80, c.progress, smooth), c.expected), "") << c.what << " (smooth)";
+  }
+}
+
+// The description's pixel rule, cell by cell.
+uint32_t ClockRule(const emu::Frame& a, const emu::Frame& b, int32_t x, int32_t y, const FieldValues& v, double p) {
+  auto field = [&](const char* key) {
+    for (const auto& [k, value] : v) if (k == key) return value;
+    return key == std::string("Divide_X") || key == std::string("Divide_Y") ? 1 : 0;
+  };
+  const bool ccw = field("Direction") == 1;
+  const int32_t hour = field("StartPosition");
+  double ux = hour == 1 ? 1 : hour == 3 ? -1 : 0, uy = hour == 2 ? -1 : hour == 1 || hour == 3 ? 0 : 1;
+  if (ccw) ux = -ux;
+  const double phi = p * 2 * kPi, c = Cos(phi), s = Sin(phi);
+  const double dx = ux * c + uy * s, dy = uy * c - ux * s;
+  const GridCell cell = CellOf(a.width, a.height, field("Divide_X"), field("Divide_Y"), x, y);
+  double X = (x + 0.5) - (cell.x0 + (cell.x1 - cell.x0) * 0.5);
+  if (ccw) X = -X;
+  const double Y = (y + 0.5) - (cell.y0 + (cell.y1 - cell.y0) * 0.5);
+  const double hd = dx * Y - dy * X, sd = uy * X - ux * Y;
+  const bool aa = field("Anti-Aliasing") != 0;
+  const uint32_t start = Edge(a.At(x, y), b.At(x, y), sd, aa);
+  const uint32_t behind = phi <= kPi ? start : b.At(x, y), ahead = phi <= kPi ? a.At(x, y) : start;
+  const double t = dx * X + dy * Y >= 0 ? std::max(field("BorderWidth"), 0) : 0;
+  return Band(behind, kPen, ahead, -hd, t, aa);
+}
+
+TEST(Clock, EveryPixelFollowsTheRule) {
+  const Setting settings[] = {
+      {97, 61, 0.13, {{"Anti-Aliasing", 1}, {"BorderWidth", 4}}},
+      {97, 61, 0.62, {{"Anti-Aliasing", 1}, {"BorderWidth", 10}, {"Divide_X", 3}, {"Divide_Y", 2}, {"StartPosition", 1}}},
+      {120, 45, 0.41, {{"Direction", 1}, {"Anti-Aliasing", 1}, {"BorderWidth", 2}, {"StartPosition", 2}}},
+      {120, 45, 0.93, {{"Direction", 1}, {"Anti-Aliasing", 1}, {"BorderWidth", 1}, {"StartPosition", 3}, {"Divide_Y", 3}}},
+      {33, 90, 0.55, {{"BorderWidth", 5}, {"Divide_X", 2}, {"Divide_Y", 2}, {"StartPosition", 3}}},
+      {64, 64, 0.999, {{"Anti-Aliasing", 1}, {"BorderWidth", -3}}},
+      {50, 7, 0.3, {{"Anti-Aliasing", 1}, {"BorderWidth", 3}, {"Divide_X", 60}, {"Divide_Y", 9}}},
+  };
+  for (const Setting& s : settings) {
+    EXPECT_EQ(PixelsOffTheRule(kClock, s, [&](const emu::Frame& a, const emu::Frame& b, int32_t x, int32_t y) {
+                return ClockRule(a, b, x, y, s.values, s.progress);
+              }), 0u) << s.w << "x" << s.h << " at " << s.progress;
+  }
+}
+
+}  // namespace
+}  // namespace krl::test
