@@ -32,6 +32,8 @@ TEST(Clock, WholeFrames) {
        [](int32_t x, int32_t y) { return x < 50 ? 'A' : y >= 40 ? 'B' : y >= 38 ? 'P' : 'A'; }},
       {"first frame", 0.0, {{"BorderWidth", 2}}, [](int32_t, int32_t) { return 'A'; }},
       {"last frame", 1.0, {{"BorderWidth", 2}}, [](int32_t, int32_t) { return 'B'; }},
+      {"no cells", 0.5, {{"Divide_X", -2}}, [](int32_t, int32_t) { return '.'; }},
+      {"no cells, last frame", 1.0, {{"Divide_X", 0}}, [](int32_t, int32_t) { return 'B'; }},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(FirstMismatch(RenderCoded(kClock, 100, 80, c.progress, c.values), c.expected), "") << c.what;

@@ -10,7 +10,7 @@
 
 namespace krl::test {
 
-// 'A', 'B' (each read in place) or 'P' at (x, y).
+// 'A', 'B' (each read in place), 'P' or '.' (untouched) at (x, y).
 using Picture = std::function<char(int32_t x, int32_t y)>;
 
 // The first pixel that differs from the picture, or "" when none does.
@@ -19,7 +19,7 @@ inline std::string FirstMismatch(const emu::Frame& f, const Picture& expected) {
     for (int32_t x = 0; x < f.width; ++x) {
       const uint32_t px = f.At(x, y);
       const char shown = SourceOf(px);
-      const bool inPlace = shown == 'P' || (CodedX(px) == x && CodedY(px) == y);
+      const bool inPlace = shown == 'P' || shown == '.' || (CodedX(px) == x && CodedY(px) == y);
       if (shown != expected(x, y) || !inPlace) {
         return "(" + std::to_string(x) + ", " + std::to_string(y) + ") shows " + shown + ", expected " + expected(x, y);
       }

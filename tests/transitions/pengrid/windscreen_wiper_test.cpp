@@ -33,6 +33,7 @@ TEST(WindscreenWiper, WholeFramesOfOneCell) {
       {"first frame", 0.0, {{"BorderWidth", 4}}, [](int32_t, int32_t) { return 'A'; }, true},
       {"last frame", 1.0, {{"BorderWidth", 4}}, [](int32_t, int32_t) { return 'B'; }, true},
       {"NaN shows the first frame", NAN, {{"BorderWidth", 4}}, [](int32_t, int32_t) { return 'A'; }, true},
+      {"no cells", 0.5, {{"Divide_Y", 0}}, [](int32_t, int32_t) { return '.'; }, true},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(FirstMismatch(RenderCoded(kWiper, 100, 80, c.progress, c.values), c.expected), "") << c.what;
