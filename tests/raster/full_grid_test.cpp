@@ -1,6 +1,8 @@
 // The full grid: every pixel in exactly one cell, whatever the divisions.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <set>
 #include <vector>
 
 #include "raster/full_grid.h"
@@ -16,14 +18,13 @@ TEST(FullGrid, EveryPixelInExactlyOneCell) {
                {7, 6, 3, 8, 3},    {4, 4, INT32_MAX, 1, 1}, {4, 4, 0, 1, 0}, {4, 4, 2, -1, 0}};
   for (const auto& c : cases) {
     std::vector<int> hits(static_cast<size_t>(c.w * c.h));
-    int cells = 0;
-    ForEachFullCell(c.w, c.h, c.dx, c.dy, [&](const Cell& cell) {
-      ++cells;
-      for (int32_t y = cell.y0; y < cell.y1; ++y) {
-        for (int32_t x = cell.x0; x < cell.x1; ++x) ++hits[static_cast<size_t>(y * c.w + x)];
-      }
+    std::set<std::array<int32_t, 4>> cells;
+    ForEachFullGridRow(c.w, c.h, c.dx, c.dy, [&](const Cell& cell, int32_t y) {
+      cells.insert({cell.x0, cell.x1, cell.y0, cell.y1});
+      ASSERT_TRUE(y >= cell.y0 && y < cell.y1);
+      for (int32_t x = cell.x0; x < cell.x1; ++x) ++hits[static_cast<size_t>(y * c.w + x)];
     });
-    EXPECT_EQ(cells, c.cells) << c.w << "x" << c.h << " / " << c.dx << "x" << c.dy;
+    EXPECT_EQ(static_cast<int>(cells.size()), c.cells) << c.w << "x" << c.h << " / " << c.dx << "x" << c.dy;
     for (int hit : hits) ASSERT_EQ(hit, c.cells == 0 ? 0 : 1) << c.w << "x" << c.h << " / " << c.dx << "x" << c.dy;
   }
 }

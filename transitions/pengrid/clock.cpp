@@ -68,9 +68,9 @@ int32_t ClockRender(t_KrRenderInfo* ri) {
   const SweepBand band(rows, hand, firstHalf ? BandSide::StartEdge : BandSide::B,
                        firstHalf ? BandSide::A : BandSide::StartEdge, reads.pen,
                        reads.thickness > 0 ? reads.thickness : 0, antiAlias);
-  ForEachFullCell(rows.width, rows.height, reads.divideX, reads.divideY, [&](const Cell& cell) {
+  ForEachFullGridRow(rows.width, rows.height, reads.divideX, reads.divideY, [&](const Cell& cell, int32_t y) {
     const double cx = cell.x0 + (cell.x1 - cell.x0) * 0.5, cy = cell.y0 + (cell.y1 - cell.y0) * 0.5;
-    for (int32_t y = cell.y0; y < cell.y1; ++y) band.PaintRow(y, (y + 0.5) - cy, cell.x0, cell.x1, cx, counterClockwise);
+    band.PaintRow(y, (y + 0.5) - cy, cell.x0, cell.x1, cx, counterClockwise);
   });
   return 1;
 }

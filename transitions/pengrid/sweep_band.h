@@ -58,7 +58,11 @@ class SweepBand {
 
   SweepBand(const FrameRows& rows, const Line& line, BandSide behind, BandSide ahead, uint32_t pen, double t,
             bool antiAlias)
-      : rows_(rows), line_(line), behind_(behind), ahead_(ahead), pen_(pen), t_(t), antiAlias_(antiAlias) {}
+      : rows_(rows), line_(line), behind_(behind), ahead_(ahead), pen_(pen), t_(t), antiAlias_(antiAlias) {
+    used_ = kBehindFull | kBehindNone;
+    if (t > 0) used_ |= kAheadNone | kAheadFull | kAlongside;
+    if (behind == BandSide::StartEdge || ahead == BandSide::StartEdge) used_ |= kStartA | kStartB;
+  }
 
   // Columns [begin, end) of row y, Y the row's height above the pivot; a
   // pixel's X is (x + 0.5) - pivot, negated when `negated`.
@@ -69,17 +73,7 @@ class SweepBand {
     int32_t count = 0;
     const uint32_t first = row.Signature(begin), last = row.Signature(end - 1);
     for (uint32_t flips = first ^ last; flips != 0; flips &= flips - 1) {
-      const uint32_t bit = flips & (~flips + 1);
-      int32_t lo = begin, hi = end - 1;  // the bit as at begin at lo, flipped at hi
-      while (hi - lo > 1) {
-        const int32_t mid = lo + (hi - lo) / 2;
-        if ((row.Signature(mid) ^ first) & bit) {
-          hi = mid;
-        } else {
-          lo = mid;
-        }
-      }
-      cuts[count++] = hi;
+      cuts[count++] = row.FlipColumn(flips & (~flips + 1), first, begin, end - 1);
     }
     const PixelWord *a = rows_.A(y), *b = rows_.B(y);
     PixelWord* out = rows_.Out(y);
@@ -136,19 +130,72 @@ class SweepBand {
       return {-(l.k * (dxY_ - l.dy * X)), l.dx * X + dyY_ >= 0, l.uy * X - uxY_};
     }
 
-    uint32_t Signature(int32_t x) const {
-      const Terms at = At(x);
-      const int32_t behind = band_.Below(at.r), ahead = band_.AtOrAbove(at.r, band_.t_);
-      uint32_t bits = (behind == 256 ? kBehindFull : 0u) | (behind == 0 ? kBehindNone : 0u);
-      if (band_.t_ > 0) {
-        bits |= (ahead == 0 ? kAheadNone : 0u) | (ahead == 256 ? kAheadFull : 0u) | (at.alongside ? kAlongside : 0u);
+    // The first column after lo where `bit` differs from `first`, given that
+    // it does at hi: searched outwards from where the straight line puts it,
+    // then by bisection, each step with the pixel's own arithmetic.
+    int32_t FlipColumn(uint32_t bit, uint32_t first, int32_t lo, int32_t hi) const {
+      auto flipped = [&](int32_t x) { return ((Signature(x, bit) ^ first) & bit) != 0; };
+      const double guess = Guess(bit);
+      const int32_t g = guess > lo && guess < hi ? static_cast<int32_t>(guess) + 1 : lo + (hi - lo) / 2;
+      if (g > lo && g < hi) {
+        const bool at = flipped(g);
+        (at ? hi : lo) = g;
+        for (int32_t step = 1;; step *= 2) {
+          const int64_t next = at ? int64_t{hi} - step : int64_t{lo} + step;
+          if (next <= lo || next >= hi) break;
+          const int32_t n = static_cast<int32_t>(next);
+          if (flipped(n) != at) {
+            (at ? lo : hi) = n;
+            break;
+          }
+          (at ? hi : lo) = n;
+        }
       }
-      if (band_.behind_ == BandSide::StartEdge || band_.ahead_ == BandSide::StartEdge) {
+      while (hi - lo > 1) {
+        const int32_t mid = lo + (hi - lo) / 2;
+        (flipped(mid) ? hi : lo) = mid;
+      }
+      return hi;
+    }
+
+    // Where the bit's quantity, straight in X, meets its threshold: a column
+    // (fractional, possibly out of range or NaN).
+    double Guess(uint32_t bit) const {
+      const SweepBand::Line& l = band_.line_;
+      const bool aa = band_.antiAlias_;
+      double slope = l.k * l.dy, offset = -(l.k * dxY_), threshold = 0;  // r
+      switch (bit) {
+        case kBehindFull: threshold = aa ? -0.5 : 0; break;
+        case kBehindNone: threshold = aa ? 0.5 : 0; break;
+        case kAheadNone: threshold = aa ? band_.t_ - 0.5 : band_.t_; break;
+        case kAheadFull: threshold = aa ? band_.t_ + 0.5 : band_.t_; break;
+        case kAlongside: slope = l.dx, offset = dyY_; break;
+        default: slope = l.uy, offset = -uxY_, threshold = aa ? (bit == kStartA ? -0.5 : 0.5) : 0; break;
+      }
+      const double X = (threshold - offset) / slope;
+      return (negated_ ? pivot_ - X : pivot_ + X) - 0.5;
+    }
+
+    // The bits of `mask` at column x.
+    uint32_t Signature(int32_t x, uint32_t mask) const {
+      const Terms at = At(x);
+      uint32_t bits = 0;
+      if (mask & (kBehindFull | kBehindNone)) {
+        const int32_t behind = band_.Below(at.r);
+        bits |= (behind == 256 ? kBehindFull : 0u) | (behind == 0 ? kBehindNone : 0u);
+      }
+      if (mask & (kAheadNone | kAheadFull)) {
+        const int32_t ahead = band_.AtOrAbove(at.r, band_.t_);
+        bits |= (ahead == 0 ? kAheadNone : 0u) | (ahead == 256 ? kAheadFull : 0u);
+      }
+      if (at.alongside) bits |= kAlongside;
+      if (mask & (kStartA | kStartB)) {
         const int32_t startA = band_.Below(at.sd);
         bits |= (startA == 256 ? kStartA : 0u) | (startA == 0 ? kStartB : 0u);
       }
-      return bits;
+      return bits & mask;
     }
+    uint32_t Signature(int32_t x) const { return Signature(x, band_.used_); }
 
     // The pixel exactly as the profile gives it.
     uint32_t Pixel(int32_t x, uint32_t a, uint32_t b) const {
@@ -188,6 +235,7 @@ class SweepBand {
   uint32_t pen_;
   double t_;
   bool antiAlias_;
+  uint32_t used_;  // the bits a pixel's class depends on
 };
 
 }  // namespace krl

@@ -58,18 +58,16 @@ int32_t WindscreenWiperRender(t_KrRenderInfo* ri) {
   // The wiped side B lies behind the blade, A ahead of it.
   const SweepBand band(rows, Blade(sweep, ri->Progress), BandSide::B, BandSide::A, reads.pen,
                        reads.thickness > 0 ? reads.thickness : 0, antiAlias);
-  ForEachFullCell(rows.width, rows.height, reads.divideX, reads.divideY, [&](const Cell& c) {
+  ForEachFullGridRow(rows.width, rows.height, reads.divideX, reads.divideY, [&](const Cell& c, int32_t y) {
     const double px = c.x0 + (c.x1 - c.x0) * 0.5;
-    const int32_t middle = c.x0 + (c.x1 - c.x0) / 2;  // the first column whose X is >= 0
-    for (int32_t y = c.y0; y < c.y1; ++y) {
-      const double Y = (y + 0.5) - c.y0;
-      if (twoBlades) {
-        // |X|: the left half is the mirror of the right.
-        band.PaintRow(y, Y, c.x0, middle, px, true);
-        band.PaintRow(y, Y, middle, c.x1, px, false);
-      } else {
-        band.PaintRow(y, Y, c.x0, c.x1, px, false);
-      }
+    const double Y = (y + 0.5) - c.y0;
+    if (twoBlades) {
+      // |X|: the left half is the mirror of the right; its first column with X >= 0 starts the right.
+      const int32_t middle = c.x0 + (c.x1 - c.x0) / 2;
+      band.PaintRow(y, Y, c.x0, middle, px, true);
+      band.PaintRow(y, Y, middle, c.x1, px, false);
+    } else {
+      band.PaintRow(y, Y, c.x0, c.x1, px, false);
     }
   });
   return 1;
