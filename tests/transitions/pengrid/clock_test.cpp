@@ -13,12 +13,7 @@ namespace {
 const std::string kClock = "Clock";
 
 TEST(Clock, WholeFrames) {
-  const struct {
-    const char* what;
-    double progress;
-    FieldValues values;
-    Picture expected;
-  } cases[] = {
+  const PictureCase cases[] = {
       {"a quarter turn from 12", 0.25, {{"BorderWidth", 2}},
        [](int32_t x, int32_t y) { return x < 50 ? 'A' : y >= 40 ? 'B' : y >= 38 ? 'P' : 'A'; }},
       {"three quarters from 12", 0.75, {{"BorderWidth", 2}},
@@ -35,36 +30,27 @@ TEST(Clock, WholeFrames) {
       {"no cells", 0.5, {{"Divide_X", -2}}, [](int32_t, int32_t) { return '.'; }},
       {"no cells, last frame", 1.0, {{"Divide_X", 0}}, [](int32_t, int32_t) { return 'B'; }},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(FirstMismatch(RenderCoded(kClock, 100, 80, c.progress, c.values), c.expected), "") << c.what;
-    // Both lines lie on pixel borders: anti-aliasing blends nothing.
-    FieldValues smooth = c.values;
-    smooth.emplace_back("Anti-Aliasing", 1);
-    EXPECT_EQ(FirstMismatch(RenderCoded(kClock, 100, 80, c.progress, smooth), c.expected), "") << c.what << " (smooth)";
-  }
+  ExpectPictures(kClock, 100, 80, cases);
 }
 
 // The description's pixel rule, cell by cell.
-uint32_t ClockRule(const emu::Frame& a, const emu::Frame& b, int32_t x, int32_t y, const FieldValues& v, double p) {
-  auto field = [&](const char* key) {
-    for (const auto& [k, value] : v) if (k == key) return value;
-    return key == std::string("Divide_X") || key == std::string("Divide_Y") ? 1 : 0;
-  };
-  const bool ccw = field("Direction") == 1;
-  const int32_t hour = field("StartPosition");
+uint32_t ClockRule(const emu::Frame& a, const emu::Frame& b, int32_t x, int32_t y, const Setting& setting) {
+  const bool ccw = ValueIn(setting.values, "Direction") == 1;
+  const int32_t hour = ValueIn(setting.values, "StartPosition");
   double ux = hour == 1 ? 1 : hour == 3 ? -1 : 0, uy = hour == 2 ? -1 : hour == 1 || hour == 3 ? 0 : 1;
   if (ccw) ux = -ux;
-  const double phi = p * 2 * kPi, c = Cos(phi), s = Sin(phi);
+  const double phi = setting.progress * 2 * kPi, c = Cos(phi), s = Sin(phi);
   const double dx = ux * c + uy * s, dy = uy * c - ux * s;
-  const GridCell cell = CellOf(a.width, a.height, field("Divide_X"), field("Divide_Y"), x, y);
+  const GridCell cell = CellOf(a.width, a.height, ValueIn(setting.values, "Divide_X"),
+                               ValueIn(setting.values, "Divide_Y"), x, y);
   double X = (x + 0.5) - (cell.x0 + (cell.x1 - cell.x0) * 0.5);
   if (ccw) X = -X;
   const double Y = (y + 0.5) - (cell.y0 + (cell.y1 - cell.y0) * 0.5);
   const double hd = dx * Y - dy * X, sd = uy * X - ux * Y;
-  const bool aa = field("Anti-Aliasing") != 0;
+  const bool aa = ValueIn(setting.values, "Anti-Aliasing") != 0;
   const uint32_t start = Edge(a.At(x, y), b.At(x, y), sd, aa);
   const uint32_t behind = phi <= kPi ? start : b.At(x, y), ahead = phi <= kPi ? a.At(x, y) : start;
-  const double t = dx * X + dy * Y >= 0 ? std::max(field("BorderWidth"), 0) : 0;
+  const double t = dx * X + dy * Y >= 0 ? std::max(ValueIn(setting.values, "BorderWidth"), 0) : 0;
   return Band(behind, kPen, ahead, -hd, t, aa);
 }
 
@@ -78,11 +64,7 @@ TEST(Clock, EveryPixelFollowsTheRule) {
       {64, 64, 0.999, {{"Anti-Aliasing", 1}, {"BorderWidth", -3}}},
       {50, 7, 0.3, {{"Anti-Aliasing", 1}, {"BorderWidth", 3}, {"Divide_X", 60}, {"Divide_Y", 9}}},
   };
-  for (const Setting& s : settings) {
-    EXPECT_EQ(PixelsOffTheRule(kClock, s, [&](const emu::Frame& a, const emu::Frame& b, int32_t x, int32_t y) {
-                return ClockRule(a, b, x, y, s.values, s.progress);
-              }), 0u) << s.w << "x" << s.h << " at " << s.progress;
-  }
+  ExpectEveryPixelFollows(kClock, settings, ClockRule);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 #include <string>
 
 #include "pen_grid_support.h"
@@ -44,28 +45,58 @@ struct Sample {
   char source;
 };
 
-// Settings for a render of the sample clips.
+// A frame of coded clips and the picture it must show; when the edges lie on
+// pixel borders, anti-aliasing must give the same frame.
+struct PictureCase {
+  const char* what;
+  double progress;
+  FieldValues values;
+  Picture expected;
+  bool onPixelBorders = true;
+};
+
+inline void ExpectPictures(const std::string& effect, int32_t w, int32_t h, std::span<const PictureCase> cases) {
+  for (const PictureCase& c : cases) {
+    EXPECT_EQ(FirstMismatch(RenderCoded(effect, w, h, c.progress, c.values), c.expected), "") << c.what;
+    if (!c.onPixelBorders) continue;
+    FieldValues smooth = c.values;
+    smooth.emplace_back("Anti-Aliasing", 1);
+    EXPECT_EQ(FirstMismatch(RenderCoded(effect, w, h, c.progress, smooth), c.expected), "") << c.what << " (smooth)";
+  }
+}
+
+// A field's value in a list of settings, or its default.
+inline int32_t ValueIn(const FieldValues& values, const std::string& key) {
+  for (const auto& [k, value] : values) {
+    if (k == key) return value;
+  }
+  return key == "Divide_X" || key == "Divide_Y" ? 1 : 0;
+}
+
+// A render of the sample clips (pen kPen) at a size, Progress and settings.
 struct Setting {
   int32_t w, h;
   double progress;
   FieldValues values;
 };
 
-// The number of pixels of a render of the sample clips (pen kPen) that differ from
-// rule(a, b, x, y), which gives each pixel as the description computes it.
-inline size_t PixelsOffTheRule(const std::string& effect, const Setting& s,
-                               const std::function<uint32_t(const emu::Frame&, const emu::Frame&, int32_t, int32_t)>& rule) {
-  const emu::Frame a = emu::SampleClipA(s.w, s.h), b = emu::SampleClipB(s.w, s.h);
-  emu::Instance instance(Library(), Effect(Library(), effect));
-  instance.SetColor("Color", kPenFromHost);
-  for (const auto& [key, value] : s.values) instance.SetValue(key, value);
-  emu::Frame out(s.w, s.h, kUntouched);
-  EXPECT_EQ(instance.Render(a, b, out, s.progress), 1);
-  size_t off = 0;
-  for (int32_t y = 0; y < s.h; ++y) {
-    for (int32_t x = 0; x < s.w; ++x) off += out.At(x, y) != rule(a, b, x, y);
+// A pixel as the description computes it.
+using PixelRule = uint32_t (*)(const emu::Frame& a, const emu::Frame& b, int32_t x, int32_t y, const Setting& s);
+
+inline void ExpectEveryPixelFollows(const std::string& effect, std::span<const Setting> settings, PixelRule rule) {
+  for (const Setting& s : settings) {
+    const emu::Frame a = emu::SampleClipA(s.w, s.h), b = emu::SampleClipB(s.w, s.h);
+    emu::Instance instance(Library(), Effect(Library(), effect));
+    instance.SetColor("Color", kPenFromHost);
+    for (const auto& [key, value] : s.values) instance.SetValue(key, value);
+    emu::Frame out(s.w, s.h, kUntouched);
+    EXPECT_EQ(instance.Render(a, b, out, s.progress), 1);
+    size_t off = 0;
+    for (int32_t y = 0; y < s.h; ++y) {
+      for (int32_t x = 0; x < s.w; ++x) off += out.At(x, y) != rule(a, b, x, y, s);
+    }
+    EXPECT_EQ(off, 0u) << s.w << "x" << s.h << " at " << s.progress;
   }
-  return off;
 }
 
 }  // namespace krl::test

@@ -15,33 +15,19 @@ namespace {
 const std::string kWiper = "Windscreen Wiper";
 
 TEST(WindscreenWiper, WholeFramesOfOneCell) {
-  const struct {
-    const char* what;
-    double progress;
-    FieldValues values;
-    Picture expected;
-    bool onPixelBorders;  // anti-aliasing then blends nothing
-  } cases[] = {
-      {"upright blade", 0.5, {{"BorderWidth", 3}}, [](int32_t x, int32_t) { return x < 50 ? 'B' : x < 53 ? 'P' : 'A'; },
-       true},
+  const PictureCase cases[] = {
+      {"upright blade", 0.5, {{"BorderWidth", 3}}, [](int32_t x, int32_t) { return x < 50 ? 'B' : x < 53 ? 'P' : 'A'; }},
       {"blade lying on the left, no pen right of the pivot", 0.001, {{"BorderWidth", 4}},
        [](int32_t x, int32_t y) { return x < 50 && y < 4 ? 'P' : 'A'; }, false},
       {"two cells, from the right", 0.5, {{"Direction", 1}, {"Divide_X", 2}},
-       [](int32_t x, int32_t) { return x % 50 < 25 ? 'A' : 'B'; }, true},
-      {"Direction 9 is Left > Right", 0.5, {{"Direction", 9}}, [](int32_t x, int32_t) { return x < 50 ? 'B' : 'A'; },
-       true},
-      {"first frame", 0.0, {{"BorderWidth", 4}}, [](int32_t, int32_t) { return 'A'; }, true},
-      {"last frame", 1.0, {{"BorderWidth", 4}}, [](int32_t, int32_t) { return 'B'; }, true},
-      {"NaN shows the first frame", NAN, {{"BorderWidth", 4}}, [](int32_t, int32_t) { return 'A'; }, true},
-      {"no cells", 0.5, {{"Divide_Y", 0}}, [](int32_t, int32_t) { return '.'; }, true},
+       [](int32_t x, int32_t) { return x % 50 < 25 ? 'A' : 'B'; }},
+      {"Direction 9 is Left > Right", 0.5, {{"Direction", 9}}, [](int32_t x, int32_t) { return x < 50 ? 'B' : 'A'; }},
+      {"first frame", 0.0, {{"BorderWidth", 4}}, [](int32_t, int32_t) { return 'A'; }},
+      {"last frame", 1.0, {{"BorderWidth", 4}}, [](int32_t, int32_t) { return 'B'; }},
+      {"NaN shows the first frame", NAN, {{"BorderWidth", 4}}, [](int32_t, int32_t) { return 'A'; }},
+      {"no cells", 0.5, {{"Divide_Y", 0}}, [](int32_t, int32_t) { return '.'; }},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(FirstMismatch(RenderCoded(kWiper, 100, 80, c.progress, c.values), c.expected), "") << c.what;
-    if (!c.onPixelBorders) continue;
-    FieldValues smooth = c.values;
-    smooth.emplace_back("Anti-Aliasing", 1);
-    EXPECT_EQ(FirstMismatch(RenderCoded(kWiper, 100, 80, c.progress, smooth), c.expected), "") << c.what << " (smooth)";
-  }
+  ExpectPictures(kWiper, 100, 80, cases);
 }
 
 TEST(WindscreenWiper, PixelsBesideSlantedBlades) {
@@ -63,24 +49,21 @@ TEST(WindscreenWiper, PixelsBesideSlantedBlades) {
 }
 
 // The description's pixel rule, cell by cell.
-uint32_t WiperRule(const emu::Frame& a, const emu::Frame& b, int32_t x, int32_t y, const FieldValues& v, double p) {
-  auto field = [&](const char* key) {
-    for (const auto& [k, value] : v) if (k == key) return value;
-    return key == std::string("Divide_X") || key == std::string("Divide_Y") ? 1 : 0;
-  };
-  const int32_t direction = field("Direction");
+uint32_t WiperRule(const emu::Frame& a, const emu::Frame& b, int32_t x, int32_t y, const Setting& setting) {
+  const int32_t direction = ValueIn(setting.values, "Direction");
   const bool two = direction == 2 || direction == 3;
-  const double phi = two ? (p * kPi) * 0.5 : p * kPi, c = Cos(phi), s = Sin(phi);
+  const double p = setting.progress, phi = two ? (p * kPi) * 0.5 : p * kPi, c = Cos(phi), s = Sin(phi);
   const double dx[] = {-c, c, s, c}, dy[] = {s, s, c, s}, k[] = {1, -1, 1, -1};
   const int d = direction >= 0 && direction <= 3 ? direction : 0;
-  const GridCell cell = CellOf(a.width, a.height, field("Divide_X"), field("Divide_Y"), x, y);
+  const GridCell cell = CellOf(a.width, a.height, ValueIn(setting.values, "Divide_X"),
+                               ValueIn(setting.values, "Divide_Y"), x, y);
   const double px = cell.x0 + (cell.x1 - cell.x0) * 0.5;
   double X = (x + 0.5) - px;
   if (two) X = std::fabs(X);
   const double Y = (y + 0.5) - cell.y0;
   const double wd = k[d] * (dx[d] * Y - dy[d] * X);
-  const double t = dx[d] * X + dy[d] * Y >= 0 ? std::max(field("BorderWidth"), 0) : 0;
-  return Band(b.At(x, y), kPen, a.At(x, y), -wd, t, field("Anti-Aliasing") != 0);
+  const double t = dx[d] * X + dy[d] * Y >= 0 ? std::max(ValueIn(setting.values, "BorderWidth"), 0) : 0;
+  return Band(b.At(x, y), kPen, a.At(x, y), -wd, t, ValueIn(setting.values, "Anti-Aliasing") != 0);
 }
 
 TEST(WindscreenWiper, EveryPixelFollowsTheRule) {
@@ -93,11 +76,7 @@ TEST(WindscreenWiper, EveryPixelFollowsTheRule) {
       {64, 64, 0.999, {{"Direction", 2}, {"Anti-Aliasing", 1}, {"BorderWidth", -3}}},
       {50, 7, 0.5, {{"Anti-Aliasing", 1}, {"BorderWidth", 3}, {"Divide_X", 60}, {"Divide_Y", 9}}},
   };
-  for (const Setting& s : settings) {
-    EXPECT_EQ(PixelsOffTheRule(kWiper, s, [&](const emu::Frame& a, const emu::Frame& b, int32_t x, int32_t y) {
-                return WiperRule(a, b, x, y, s.values, s.progress);
-              }), 0u) << s.w << "x" << s.h << " at " << s.progress;
-  }
+  ExpectEveryPixelFollows(kWiper, settings, WiperRule);
 }
 
 }  // namespace
