@@ -7,12 +7,14 @@
 //   r = -(k x (d.x x Y - d.y x X))     the band's distance, the swept side below 0
 //   d.x x X + d.y x Y >= 0             alongside the line: the pen is t deep, else 0
 //   sd = u.y x X - u.x x Y             Clock's start line, for an edge between A and B
-// and the pixel is band(behind, pen, ahead, r, t'). Every one of these is
-// monotone in X along a row (each product and difference rounds
-// monotonically), and so is every weight of the edge profile built on them.
-// A row is therefore cut where a weight reaches or leaves 0 or 256 (found by
-// bisection, with the same arithmetic as the pixel), and between the cuts it
-// is a copy of A or B, a fill of pen, or a run blended pixel by pixel.
+// and the pixel is band(behind, pen, ahead, r, t'). No angle is measured:
+// each side is decided by these products with the per-frame directions, as
+// written. Every one of them is monotone in X along a row (each product and
+// difference rounds monotonically), and so is every weight of the edge
+// profile built on them. A row is therefore cut where a weight reaches or
+// leaves 0 or 256 (looked for where the straight line puts it, settled with
+// the pixel's own arithmetic), and between the cuts it is a copy of A or B,
+// a fill of pen, or a run blended pixel by pixel.
 #pragma once
 
 #include <cstdint>
@@ -140,7 +142,7 @@ class SweepBand {
       if (g > lo && g < hi) {
         const bool at = flipped(g);
         (at ? hi : lo) = g;
-        for (int32_t step = 1;; step *= 2) {
+        for (int64_t step = 1;; step *= 2) {
           const int64_t next = at ? int64_t{hi} - step : int64_t{lo} + step;
           if (next <= lo || next >= hi) break;
           const int32_t n = static_cast<int32_t>(next);
