@@ -15,13 +15,14 @@
   X(CenterZoom)                               \
   X(ChaoticDissolve)                          \
   X(ChessWipe)                                \
+  X(Clock)                                    \
   X(CornerZoom)                               \
   X(CrossSplit)                               \
   X(CrossStretch)                             \
   X(CubeStretch)                              \
   X(DitherDissolve)                           \
   X(Doors)                                    \
-  X(DoorsVertical)                            \
+  X(DoorsVertical) /* "Vertical Doors" */     \
   X(FadeDissolve) /* "Traditional Fade" */    \
   X(FlashOver)                                \
   X(Fractal)                                  \
@@ -45,7 +46,8 @@
   X(Spin) /* "Spin Away" */                   \
   X(Swap)                                     \
   X(SwingingDoor)                             \
-  X(SwingingDoorVertical)                     \
+  X(SwingingDoorVertical) /* "Vertical Swinging Door" */\
+  X(WindscreenWiper)                          \
   X(Wipe)                                     \
   X(ZoomOut)
 
