@@ -38,7 +38,9 @@
   X(SlidingDoors)                             \
   X(SlidingQuarters)                          \
   X(SmoulderingPaper) /* "Smouldering Paper" */\
+  X(Sphere)                                   \
   X(Swap)                                     \
+  X(VenetianBlinds)                           \
   X(Wipe)                                     \
   X(ZoomOut)
 
