@@ -138,7 +138,12 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
 
   const FrameRows f = FrameRows::Of(ri);
   const int32_t W = f.width, H = f.height;
-  for (int32_t y = 0; y < H; ++y) FillRun(f.Out(y), background, W);
+  // The background goes in bottom-up, each row just before the first pixel
+  // can land in it (then still in the cache for the pixels that follow).
+  int32_t filled = 0;  // rows below it hold the background
+  const auto fillBelow = [&](int32_t end) {
+    for (; filled < end; ++filled) FillRun(f.Out(filled), background, W);
+  };
 
   const double w = W, h = H, cx = w / 2, cy = h / 2;
   const Ball ball = BallAt(w, h, ri->Progress, !AcrossColumns(travel));
@@ -146,7 +151,10 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
   // row's places go to two more tables before its pixels are written.
   Scratch<double> trig = AllocateScratch<double>(2 * static_cast<size_t>(W));
   Scratch<int32_t> places = AllocateScratch<int32_t>(2 * static_cast<size_t>(W));
-  if (!trig || !places) return 1;  // without the tables only the background is drawn
+  if (!trig || !places) {  // without the tables only the background is drawn
+    fillBelow(H);
+    return 1;
+  }
   double* sinTheta = trig.get();
   double* cosTheta = trig.get() + W;
   int32_t* columns = places.get();
@@ -162,6 +170,9 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
     const double phi = (cy - y) * perRY;
     Places(sinTheta, Cosine(phi) * ball.rX, cx, W, columns);
     Places(cosTheta, Sine(phi) * ball.rY, cy, W, rows);
+    int32_t highest = 0;
+    for (int32_t x = 0; x < W; ++x) highest = std::max(highest, rows[x]);
+    fillBelow(std::min(highest, H - 1) + 1);
     SourceRun runs[2];
     const int count = SourceRuns(f, ball, travel, y, runs);
     for (int r = 0; r < count; ++r) {
@@ -178,6 +189,7 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
       }
     }
   }
+  fillBelow(H);
   return 1;
 }
 

@@ -74,19 +74,19 @@ TEST(Sphere, ThePhaseFollowsTheHorizontalTravelAndTheScrollItsDirection) {
 }
 
 TEST(Sphere, TheProjectionRoundsAwayFromTheCentre) {
-  // At the start the radius is 2.1 W: a mild squeeze. The centre pixel stays,
-  // and the middle row still reaches both edges (column 0 lands at 0.19,
-  // truncated; column 39 at 38.84, rounded up).
-  const emu::Frame start = RenderSphere(40, 30, 0.0, 0);
-  EXPECT_EQ(start.At(20, 15), Code(kTagA, 20, 15));
-  EXPECT_EQ(RowRuns(start, 15).front(), 'A');
-  EXPECT_EQ(RowRuns(start, 15).substr(RowRuns(start, 15).rfind(' ') + 1, 1), "A");
-  // The ball (radius 0.6366 W) leaves the middle row's end columns to the background.
-  const emu::Frame ball = RenderSphere(40, 30, 0.5, 0);
-  EXPECT_EQ(SourceOf(ball.At(0, 15)), 'P');
-  EXPECT_EQ(SourceOf(ball.At(39, 15)), 'P');
-  EXPECT_EQ(SourceOf(ball.At(1, 15)), 'B');
-  EXPECT_EQ(SourceOf(ball.At(38, 15)), 'A');
+  // The middle row (y = 15 = cy, so every pixel keeps its row): at the start
+  // the radius is 2.1 W and column 0 lands at 0.19 (truncated), column 39 at
+  // 38.84 (rounded up), the centre column on itself. On the ball (radius
+  // 0.6366 W, B scrolled in by 19 columns) column 0 lands at 1.99 and column
+  // 39 at 37.28, leaving both end columns to the background.
+  const struct {
+    double p;
+    int32_t x;
+    uint32_t pixel;
+  } cases[] = {{0.0, 0, Code(kTagA, 0, 15)},  {0.0, 39, Code(kTagA, 39, 15)}, {0.0, 20, Code(kTagA, 20, 15)},
+               {0.5, 0, kPen},                {0.5, 1, Code(kTagB, 21, 15)},  {0.5, 38, Code(kTagA, 20, 15)},
+               {0.5, 39, kPen}};
+  for (const auto& c : cases) EXPECT_EQ(RenderSphere(40, 30, c.p, 0).At(c.x, 15), c.pixel) << c.p << " " << c.x;
 }
 
 TEST(Sphere, OddProgressAndTinyFramesStayInside) {

@@ -50,18 +50,6 @@ TEST(VenetianBlinds, EachBlindShowsAThenThePenThenSqueezedB) {
   for (int32_t y = 0; y < 40; ++y) EXPECT_EQ(end.At(7, y), Code(kTagB, 7, std::min(y + 1, 39))) << y;
 }
 
-uint32_t Mean(const emu::Frame& f, int32_t x, int32_t y, int32_t k) {
-  uint32_t sum[3] = {0, 0, 0};
-  for (int32_t v = y - k / 2; v <= y + k / 2; ++v) {
-    for (int32_t u = x - k / 2; u <= x + k / 2; ++u) {
-      const uint32_t px = f.At(std::clamp(u, 0, f.width - 1), std::clamp(v, 0, f.height - 1));
-      for (int c = 0; c < 3; ++c) sum[c] += (px >> (8 * c)) & 0xFF;
-    }
-  }
-  const uint32_t area = static_cast<uint32_t>(k * k);
-  return 0xFF000000u | (sum[2] / area) << 16 | (sum[1] / area) << 8 | sum[0] / area;
-}
-
 // The drawing as described, one pixel at a time (Progress within 0..1).
 emu::Frame Plainly(const emu::Frame& a, const emu::Frame& b, const Blinds& c, uint32_t prior) {
   emu::Frame out(a.width, a.height, prior);
@@ -83,7 +71,7 @@ emu::Frame Plainly(const emu::Frame& a, const emu::Frame& b, const Blinds& c, ui
         }
       }
       for (int32_t y = std::max(s - h, 0); box && y < std::min(s + h, H); ++y) {
-        for (int32_t x = W - 1; x >= 0; --x) out.At(x, y) = Mean(out, x, y, box);
+        for (int32_t x = W - 1; x >= 0; --x) out.At(x, y) = BoxMean(out, x, y, box);
       }
     } else {
       const int32_t seam = lo + d, e = std::min(seam + c.pw, hi);
@@ -94,7 +82,7 @@ emu::Frame Plainly(const emu::Frame& a, const emu::Frame& b, const Blinds& c, ui
         }
       }
       for (int32_t x = std::max(seam - h, 0); box && x < std::min(seam + h, W); ++x) {
-        for (int32_t y = H - 1; y >= 0; --y) out.At(x, y) = Mean(out, x, y, box);
+        for (int32_t y = H - 1; y >= 0; --y) out.At(x, y) = BoxMean(out, x, y, box);
       }
     }
   }
