@@ -43,10 +43,12 @@
   X(SlidingDoors)                             \
   X(SlidingQuarters)                          \
   X(SmoulderingPaper) /* "Smouldering Paper" */\
+  X(Sphere)                                   \
   X(Spin) /* "Spin Away" */                   \
   X(Swap)                                     \
   X(SwingingDoor)                             \
   X(SwingingDoorVertical) /* "Vertical Swinging Door" */\
+  X(VenetianBlinds)                           \
   X(WindscreenWiper)                          \
   X(Wipe)                                     \
   X(ZoomOut)

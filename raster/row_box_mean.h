@@ -9,10 +9,24 @@
 #include <cstdint>
 #include <memory>
 
+#include "host/declare.h"
 #include "raster/pixel_rows.h"
 #include "raster/scratch.h"
 
 namespace krl {
+
+// The items of a "Gauss Filter" selector, and the box side each gives: 5, 9
+// or 13, and 0 (no blur) for "None" and any unknown value.
+inline constexpr SelectorItem kGaussFilterItems[] = {{"None", 0}, {"Small", 1}, {"Medium", 2}, {"Large", 3}};
+
+inline int32_t GaussFilterBox(int32_t smoothing) {
+  switch (smoothing) {
+    case 1: return 5;
+    case 2: return 9;
+    case 3: return 13;
+    default: return 0;
+  }
+}
 
 class RowBoxMean {
  public:
@@ -98,13 +112,17 @@ class RowBoxMean {
     return 0xFF000000u | PerArea(blueRed >> 16) << 16 | PerArea(green) << 8 | PerArea(blueRed & 0xFFFF);
   }
 
-  // The window's sums: kept from the last mean when x is that pixel or the
-  // next and no column is held to the frame's edge, summed anew otherwise.
+  // The window's sums: kept from the last mean when x is that pixel or a
+  // neighbour (a row may be taken in either direction) and no column is held
+  // to the frame's edge, summed anew otherwise.
   uint32_t MeanFromSums(int32_t x) {
     const bool interior = x - half_ >= 0 && x + half_ < rows_.width;
     if (interior && slidePossible_ && x == windowX_ + 1) {
       windowBlueRed_ += blueRed_[x + half_] - blueRed_[x - 1 - half_];
       windowGreen_ += green_[x + half_] - green_[x - 1 - half_];
+    } else if (interior && slidePossible_ && x == windowX_ - 1) {
+      windowBlueRed_ += blueRed_[x - half_] - blueRed_[x + 1 + half_];
+      windowGreen_ += green_[x - half_] - green_[x + 1 + half_];
     } else if (!(interior && slidePossible_ && x == windowX_)) {
       windowBlueRed_ = windowGreen_ = 0;
       for (int32_t c = x - half_; c <= x + half_; ++c) {

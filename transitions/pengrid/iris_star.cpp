@@ -18,23 +18,13 @@ FieldIndex smoothingFactor;
 
 constexpr auto kFields = WithField(
     PenGridFieldTable(fields, kIrisDirectionHelp, kOpenCloseItems),
-    Selector(&smoothingFactor, "SmoothingFactor", "Gauss Filter",
-             {{"None", 0}, {"Small", 1}, {"Medium", 2}, {"Large", 3}})
+    Selector(&smoothingFactor, "SmoothingFactor", "Gauss Filter", kGaussFilterItems)
         .Help("This filter allows you to add a kind of blur effect.")
         .Default(0));
 
-// The box side for a "Gauss Filter" item: s | 1, with s = 0 for None and any
-// unknown value, so that those take the mean of the pixel alone.
-int32_t BoxSide(int32_t smoothing) {
-  int32_t s = 0;
-  switch (smoothing) {
-    case 1: s = 5; break;
-    case 2: s = 9; break;
-    case 3: s = 13; break;
-    default: break;
-  }
-  return s | 1;
-}
+// The box side for a "Gauss Filter" item, odd: None and unknown values take
+// the mean of the pixel alone.
+int32_t BoxSide(int32_t smoothing) { return GaussFilterBox(smoothing) | 1; }
 
 // The star's reach: the larger of the two half-sides over the sine and cosine
 // of its tips, each quotient in extended precision stored as single.

@@ -146,6 +146,20 @@ inline void ExpectRows(const std::string& effect, std::span<const RowsCase> case
   }
 }
 
+// The k x k mean around (x, y) as the "Gauss Filter" takes it: coordinates
+// held to the frame, bytes 0 to 2 summed and divided with truncation, opaque.
+inline uint32_t BoxMean(const emu::Frame& f, int32_t x, int32_t y, int32_t k) {
+  uint32_t sum[3] = {0, 0, 0};
+  for (int32_t v = y - k / 2; v <= y + k / 2; ++v) {
+    for (int32_t u = x - k / 2; u <= x + k / 2; ++u) {
+      const uint32_t px = f.At(std::clamp(u, 0, f.width - 1), std::clamp(v, 0, f.height - 1));
+      for (int c = 0; c < 3; ++c) sum[c] += (px >> (8 * c)) & 0xFF;
+    }
+  }
+  const uint32_t area = static_cast<uint32_t>(k * k);
+  return 0xFF000000u | (sum[2] / area) << 16 | (sum[1] / area) << 8 | sum[0] / area;
+}
+
 // A transition's display name as the name of a parameterised test: its
 // blanks dropped.
 inline std::string NameOfMember(const testing::TestParamInfo<std::string>& member) {

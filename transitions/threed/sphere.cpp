@@ -1,0 +1,200 @@
+// Sphere: A curls up into a ball, the ball turns so that its picture scrolls
+// over to B in the chosen direction, and the ball opens out again into B.
+// Every source pixel is projected forward onto the ball and written where it
+// lands; what no pixel reaches keeps the background colour.
+#include <emmintrin.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/render_prologue.h"
+#include "host/transition.h"
+#include "raster/frame.h"
+#include "raster/numeric.h"
+#include "raster/pixel_rows.h"
+#include "raster/scratch.h"
+#include "raster/travel.h"
+
+namespace krl {
+namespace {
+
+constexpr EffectTexts kTexts{.menuPath = "Transitions/3D/Sphere", .signature = "Sphere (Kr plug-in SDK effect)",
+                             .displayName = "Sphere", .description = "Va turns into a spinning sphere showing Vb."};
+
+ClipFields clip;
+FieldIndex direction, color;
+
+constexpr auto kFields = FieldTable(clip,
+    Selector(&direction, "Direction", "Spin Direction", kTravelItems)
+        .Help("Specifies the direction of the spinning process.")
+        .Default(0),
+    Color(&color, "Color", "Background Color").Help("Defines the background color.").DefaultColor(0, 0, 0));
+
+// The radius factors at the start and end (2.1) and of the ball (0.6366).
+constexpr double kOpen = 2.1, kBall = 0.6366;
+
+// The ball at one Progress: its radii and what its picture shows. The phase
+// follows the horizontal travel whatever the direction; a vertical scroll
+// follows the vertical travel.
+struct Ball {
+  enum class Shows { A, Scroll, B };
+  double rX, rY;
+  Shows shows;
+  int64_t o;  // the scroll, in columns or rows
+};
+
+Ball BallAt(double w, double h, double progress, bool vertical) {
+  const double Rx = kOpen * w - kBall * w, Ry = kOpen * h - kBall * h;
+  const int32_t P = TruncToInt32(10000.0 * progress);
+  const int32_t pos = TruncToInt32((2.0 * Rx + w) / 10000.0 * P);
+  const int32_t posY = TruncToInt32(P * (2.0 * Ry + h) / 10000.0);
+  Ball ball{};
+  if (pos <= Rx) {
+    ball.rX = kOpen * w - pos;
+    ball.rY = kOpen * h - posY;
+  } else if (pos <= Rx + w) {
+    ball.rX = kBall * w;
+    ball.rY = kBall * h;
+  } else {
+    ball.rX = kBall * w + (pos - (Rx + w));
+    ball.rY = kBall * h + (posY - (Ry + h));
+  }
+  ball.shows = pos < Rx ? Ball::Shows::A : pos >= Rx + w ? Ball::Shows::B : Ball::Shows::Scroll;
+  ball.o = TruncToInt32(vertical ? posY - Ry : pos - Rx);
+  return ball;
+}
+
+// Columns [begin, end) of a source row read row[x + shift].
+struct SourceRun {
+  int32_t begin, end;
+  const PixelWord* row;
+  int64_t shift;
+};
+
+// The source pixels of row y, as at most two runs in column order.
+int SourceRuns(const FrameRows& f, const Ball& ball, Travel travel, int32_t y, SourceRun runs[2]) {
+  const int32_t W = f.width, H = f.height;
+  const auto row = [&](int64_t r) { return static_cast<int32_t>(std::clamp<int64_t>(r, 0, H - 1)); };
+  if (ball.shows != Ball::Shows::Scroll) {
+    runs[0] = {0, W, ball.shows == Ball::Shows::A ? f.A(y) : f.B(y), 0};
+    return 1;
+  }
+  // The vertical scroll can pass H on tall frames (the two travels truncate
+  // apart): its rows are held to the frame. A horizontal one stays in 0..W.
+  const int64_t o = ball.o;
+  const int32_t oc = static_cast<int32_t>(std::clamp<int64_t>(o, 0, W));
+  switch (travel) {
+    case Travel::LeftToRight:
+      runs[0] = {0, oc, f.B(y), W - oc};
+      runs[1] = {oc, W, f.A(y), -oc};
+      return 2;
+    case Travel::RightToLeft:
+      runs[0] = {0, W - oc, f.A(y), oc};
+      runs[1] = {W - oc, W, f.B(y), oc - W};
+      return 2;
+    case Travel::TopToBottom:
+      runs[0] = {0, W, y < H - o ? f.A(row(y + o)) : f.B(row(y - H + o)), 0};
+      return 1;
+    case Travel::BottomToTop:
+      runs[0] = {0, W, y >= o ? f.A(row(y - o)) : f.B(row(H - o + y)), 0};
+      return 1;
+  }
+  return 0;
+}
+
+// Projected coordinates as columns or rows: rounded up from the centre on,
+// then truncated. A NaN or a value past 32 bits (a Progress outside 0..1 can
+// throw the picture off the frame) truncates to INT32_MIN, as the processor
+// does, which like every other place outside 0 .. limit - 1 is not written.
+// Two at a time in SSE2 (both builds have it); the same one by one for an
+// odd last.
+void Places(const double* factor, double scale, double centre, int32_t count, int32_t* place) {
+  const __m128d c = _mm_set1_pd(centre), s = _mm_set1_pd(scale);
+  int32_t i = 0;
+  for (; i + 2 <= count; i += 2) {
+    const __m128d v = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i), s));
+    const __m128i t = _mm_cvttpd_epi32(v);
+    const __m128d up = _mm_and_pd(_mm_cmpge_pd(v, c), _mm_cmplt_pd(_mm_cvtepi32_pd(t), v));
+    const __m128i ones = _mm_shuffle_epi32(_mm_castpd_si128(up), _MM_SHUFFLE(2, 0, 2, 0));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(place + i), _mm_sub_epi32(t, ones));
+  }
+  for (; i < count; ++i) {
+    const double v = centre - factor[i] * scale;
+    const int32_t t = TruncToInt32(v);
+    place[i] = WrappingAdd(t, v >= centre && t < v ? 1 : 0);
+  }
+}
+
+// Sine and cosine in extended precision rounded to double, alike on every build.
+double Sine(double a) { return static_cast<double>(std::sin(static_cast<long double>(a))); }
+double Cosine(double a) { return static_cast<double>(std::cos(static_cast<long double>(a))); }
+
+int32_t SphereRender(t_KrRenderInfo* ri) {
+  if (!BeginRender(ri, clip.transType)) return 0;
+  const HostCalls host(ri);
+  const uint32_t background = host.PenColor(color);
+  const Travel travel = DecodeTravel(host.Field(direction));
+  if (FramePixelCount(ri) == 0) return 1;
+
+  const FrameRows f = FrameRows::Of(ri);
+  const int32_t W = f.width, H = f.height;
+  // The background goes in bottom-up, each row just before the first pixel
+  // can land in it (then still in the cache for the pixels that follow).
+  int32_t filled = 0;  // rows below it hold the background
+  const auto fillBelow = [&](int32_t end) {
+    for (; filled < end; ++filled) FillRun(f.Out(filled), background, W);
+  };
+
+  const double w = W, h = H, cx = w / 2, cy = h / 2;
+  const Ball ball = BallAt(w, h, ri->Progress, !AcrossColumns(travel));
+  // θ depends on the column alone: its sine and cosine once per column; a
+  // row's places go to two more tables before its pixels are written.
+  Scratch<double> trig = AllocateScratch<double>(2 * static_cast<size_t>(W));
+  Scratch<int32_t> places = AllocateScratch<int32_t>(2 * static_cast<size_t>(W));
+  if (!trig || !places) {  // without the tables only the background is drawn
+    fillBelow(H);
+    return 1;
+  }
+  double* sinTheta = trig.get();
+  double* cosTheta = trig.get() + W;
+  int32_t* columns = places.get();
+  int32_t* rows = places.get() + W;
+  const double perRX = RoundToSingle(1.0 / ball.rX), perRY = RoundToSingle(1.0 / ball.rY);
+  for (int32_t x = 0; x < W; ++x) {
+    const double theta = (cx - x) * perRX;
+    sinTheta[x] = Sine(theta);
+    cosTheta[x] = Cosine(theta);
+  }
+
+  for (int32_t y = 0; y < H; ++y) {
+    const double phi = (cy - y) * perRY;
+    Places(sinTheta, Cosine(phi) * ball.rX, cx, W, columns);
+    Places(cosTheta, Sine(phi) * ball.rY, cy, W, rows);
+    int32_t highest = 0;
+    for (int32_t x = 0; x < W; ++x) highest = std::max(highest, rows[x]);
+    fillBelow(std::min(highest, H - 1) + 1);
+    SourceRun runs[2];
+    const int count = SourceRuns(f, ball, travel, y, runs);
+    for (int r = 0; r < count; ++r) {
+      // Locals: a pixel store may alias anything, the run's members included.
+      const PixelWord* const from = runs[r].row;
+      const int64_t shift = runs[r].shift;
+      PixelWord* const out = f.output;
+      const size_t stride = static_cast<size_t>(W);
+      for (int32_t x = runs[r].begin, end = runs[r].end; x < end; ++x) {
+        const int32_t X = columns[x], Y = rows[x];
+        if (static_cast<uint32_t>(X) < static_cast<uint32_t>(W) && static_cast<uint32_t>(Y) < static_cast<uint32_t>(H)) {
+          out[static_cast<size_t>(Y) * stride + static_cast<size_t>(X)] = from[x + shift];
+        }
+      }
+    }
+  }
+  fillBelow(H);
+  return 1;
+}
+
+}  // namespace
+}  // namespace krl
+
+KR_TRANSITION(Sphere, kTexts, kFields)
+KR_TEST_PROFILE("Sphere", .heavier = {"Direction=2", "Color=#FF2000"})
