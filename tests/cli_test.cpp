@@ -84,8 +84,12 @@ TEST(Cli, RenderWritesWhatTheNameSays) {
                           (row.output == "-" ? "- >" + file : file));
     ASSERT_EQ(r.exit, 0) << row.output << "\n" << r.output;
     EXPECT_EQ(ReadFile(file).substr(row.at, row.magic.size()), row.magic) << row.output;
-    if (row.output != "-") EXPECT_NE(r.output.find("wrote " + file), std::string::npos) << r.output;
-    if (row.output == "-") EXPECT_EQ(r.output, "") << "nothing but the picture on stdout";
+    if (row.output != "-") {
+      EXPECT_NE(r.output.find("wrote " + file), std::string::npos) << r.output;
+    }
+    if (row.output == "-") {
+      EXPECT_EQ(r.output, "") << "nothing but the picture on stdout";
+    }
   }
   // What stb wrote decodes to the frame (JPEG only nearly).
   EXPECT_EQ(cli::ReadImage(dir + "/out.bin").pixels, Expected("Traditional Fade", 16, 9, 0, 0.5).pixels);
@@ -165,7 +169,9 @@ TEST(Cli, SaysWhatIsWrongAndWritesNothing) {
     const Outcome r = Krl(row.arguments);
     EXPECT_EQ(r.exit, row.exit) << row.arguments << "\n" << r.output;
     EXPECT_EQ(r.output.find('\n'), r.output.size() - 1) << "one line: " << r.output;
-    if (row.exit == 2) EXPECT_NE(r.output.find("(krl --help shows the commands and options)"), std::string::npos);
+    if (row.exit == 2) {
+      EXPECT_NE(r.output.find("(krl --help shows the commands and options)"), std::string::npos);
+    }
     EXPECT_NE(r.output.find(row.message), std::string::npos) << row.arguments << "\n" << r.output;
     EXPECT_FALSE(Exists(out)) << row.arguments;
   }
