@@ -20,6 +20,7 @@
   X(DitherDissolve)                           \
   X(FadeDissolve) /* "Traditional Fade" */    \
   X(FlashOver)                                \
+  X(FlyingCarpet)                             \
   X(Fractal)                                  \
   X(HilbertMosaic)                            \
   X(Inset)                                    \
@@ -29,6 +30,7 @@
   X(IrisSquared)                              \
   X(IrisStar)                                 \
   X(Mosaic)                                   \
+  X(PinWheel)                                 \
   X(Push)                                     \
   X(RandomDissolve)                           \
   X(Rotation)                                 \
@@ -38,6 +40,7 @@
   X(SlidingDoors)                             \
   X(SlidingQuarters)                          \
   X(SmoulderingPaper) /* "Smouldering Paper" */\
+  X(Spiral)                                   \
   X(Swap)                                     \
   X(Wipe)                                     \
   X(ZoomOut)
