@@ -75,20 +75,72 @@ class TurnedA {
     CopyRun(out, b, run.begin);
     CopyRun(out + run.end, b + run.end, width - run.end);
     if (antiAlias_) {
-      for (int32_t x = run.begin; x < run.end; ++x) {
-        const double u = U(x, r), v = V(x, r);
-        const double e = std::min(std::min(u, w - u), std::min(v, h - v)) * g_;
-        out[x] = Edge(b[x], a_.Bilinear(u, v), e, true);
-      }
+      PaintSoft(out, b, r, run);
     } else {
-      for (int32_t x = run.begin; x < run.end; ++x) out[x] = a_.Nearest(U(x, r), V(x, r));
+      PaintNearest(out, r, run);
     }
   }
 
  private:
+ private:
   struct Row {
     double yk2, yk1;  // Y x k2 and Y x k1
   };
+
+  // Inside A, where 0 <= u < W and 0 <= v < H: floor(u) and floor(v) are
+  // their truncations. The places are worked out for a stretch of the row
+  // before any is read, so that the reads, which cross A's rows, overlap.
+  void PaintNearest(PixelWord* out, const Row& r, ColumnRange run) const {
+    constexpr int32_t kChunk = 256;
+    size_t at[kChunk];
+    const PixelWord* a = rows_.inputA;
+    const size_t w = static_cast<size_t>(rows_.width);
+    for (int32_t x0 = run.begin; x0 < run.end; x0 += kChunk) {
+      const int32_t n = std::min(kChunk, run.end - x0);
+      for (int32_t i = 0; i < n; ++i) {
+        const auto column = static_cast<size_t>(static_cast<int32_t>(U(x0 + i, r)));
+        at[i] = static_cast<size_t>(static_cast<int32_t>(V(x0 + i, r))) * w + column;
+      }
+      for (int32_t i = 0; i < n; ++i) out[x0 + i] = a[at[i]];
+    }
+  }
+
+  // edge(B, bilinear sample of A, e), the sample taken only where it shows.
+  void PaintSoft(PixelWord* out, const PixelWord* b, const Row& r, ColumnRange run) const {
+    const double w = rows_.width, h = rows_.height;
+    for (int32_t x = run.begin; x < run.end; ++x) {
+      const double u = U(x, r), v = V(x, r);
+      const double e = std::min(std::min(u, w - u), std::min(v, h - v)) * g_;
+      const int32_t weightB = MixWeight(0.5 - e);
+      if (weightB == 256) {
+        out[x] = b[x];
+        continue;
+      }
+      const uint32_t sample = Bilinear(u, v);
+      out[x] = weightB == 0 ? sample : MixWeighted(sample, b[x], weightB);
+    }
+  }
+
+  // The bilinear sample of A; where its four pixels all lie inside the frame
+  // no read needs holding, and the bytes are weighed two pairs at a time.
+  uint32_t Bilinear(double u, double v) const {
+    const double us = u - 0.5, vs = v - 0.5;
+    if (!(us >= 0 && us < rows_.width - 1 && vs >= 0 && vs < rows_.height - 1)) return a_.Bilinear(u, v);
+    const int32_t c = static_cast<int32_t>(us), row = static_cast<int32_t>(vs);
+    const auto fx = static_cast<uint64_t>(static_cast<int32_t>((us - c) * 256.0 + 0.5));
+    const auto fy = static_cast<uint64_t>(static_cast<int32_t>((vs - row) * 256.0 + 0.5));
+    const PixelWord* p0 = rows_.A(row) + c;
+    const PixelWord* p1 = p0 + rows_.width;
+    // Bytes 0, 2, 1, 3 in 16-bit lanes: a weighed pair of bytes stays below 2^16.
+    auto spread = [](uint32_t p) { return (p & 0x00FF00FFull) | (static_cast<uint64_t>(p & 0xFF00FF00u) << 24); };
+    const uint64_t q0 = spread(p0[0]) * (256 - fx) + spread(p0[1]) * fx;
+    const uint64_t q1 = spread(p1[0]) * (256 - fx) + spread(p1[1]) * fx;
+    // Then bytes 0 and 1, and 2 and 3, in 32-bit lanes.
+    constexpr uint64_t kLanes = 0x0000FFFF0000FFFFull, kHalf = 0x0000800000008000ull, kByte = 0x000000FF000000FFull;
+    const uint64_t low = (((q0 & kLanes) * (256 - fy) + (q1 & kLanes) * fy + kHalf) >> 16) & kByte;
+    const uint64_t high = ((((q0 >> 16) & kLanes) * (256 - fy) + ((q1 >> 16) & kLanes) * fy + kHalf) >> 16) & kByte;
+    return static_cast<uint32_t>((low & 0xFF) | ((low >> 32) << 8) | ((high & 0xFF) << 16) | ((high >> 32) << 24));
+  }
 
   double X(int32_t x) const { return (x + 0.5) - cx_; }
   double U(int32_t x, const Row& r) const { return cx_ + (X(x) * k1_ - r.yk2); }
