@@ -46,12 +46,23 @@ inline int EdgeZone(double r, bool antiAlias) {
 }
 
 // The first column in (from, end) whose zone differs from that of `from`, or
-// end; zone(x) must be monotone along [from, end).
+// end; zone(x) must be monotone along [from, end). A change expected close
+// to `from` (the next border of a blend one pixel wide) is sought in steps
+// doubling from there, any other by halving the whole range.
 template <typename Zone>
-int32_t NextZoneChange(int32_t from, int32_t end, Zone zone) {
+int32_t NextZoneChange(int32_t from, int32_t end, Zone zone, bool near = false) {
   const auto z = zone(from);
   if (end - from < 2 || zone(end - 1) == z) return end;
-  int32_t same = from, other = end - 1;
+  int32_t same = from, other = end - 1;  // zone(same) == z, zone(other) != z
+  if (near) {
+    for (int32_t step = 1; step < other - same; step *= 2) {
+      if (zone(same + step) != z) {
+        other = same + step;
+        break;
+      }
+      same += step;
+    }
+  }
   while (other - same > 1) {
     const int32_t mid = same + (other - same) / 2;
     if (zone(mid) == z) {
@@ -63,12 +74,12 @@ int32_t NextZoneChange(int32_t from, int32_t end, Zone zone) {
   return other;
 }
 
-// Every column of [begin, end) where the monotone zone(x) changes, written
-// from `cuts` on; returns the end of what was written.
-template <typename Zone>
-int32_t* AppendZoneChanges(int32_t begin, int32_t end, Zone zone, int32_t* cuts) {
-  for (int32_t x = begin; x < end && (x = NextZoneChange(x, end, zone)) < end;) *cuts++ = x;
-  return cuts;
+// Calls found(x) for every column of [begin, end) where the monotone zone(x)
+// changes, in order.
+template <typename Zone, typename Found>
+void ForEachZoneChange(int32_t begin, int32_t end, Zone zone, Found found) {
+  bool near = false;
+  for (int32_t x = begin; x < end && (x = NextZoneChange(x, end, zone, near)) < end; near = true) found(x);
 }
 
 struct ColumnRange {

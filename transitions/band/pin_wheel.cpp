@@ -50,25 +50,40 @@ struct Blade {
 
 class Pinwheel {
  public:
-  // `blades` holds n blades, `cuts` room for 6n + 1 columns.
-  Pinwheel(const FrameRows& rows, const Blade* blades, int32_t n, bool counterClockwise, bool antiAlias, int32_t* cuts)
-      : rows_(rows), blades_(blades), n_(n), counterClockwise_(counterClockwise), antiAlias_(antiAlias), cuts_(cuts) {}
+  // `blades` holds n blades; `cuts` has room for 3n + 1 entries, `clockwise` for n.
+  Pinwheel(const FrameRows& rows, const Blade* blades, int32_t n, bool counterClockwise, bool antiAlias, int64_t* cuts,
+           bool* clockwise)
+      : rows_(rows),
+        blades_(blades),
+        n_(n),
+        counterClockwise_(counterClockwise),
+        antiAlias_(antiAlias),
+        cuts_(cuts),
+        clockwise_(clockwise) {}
 
   void PaintRow(int32_t y) const {
     const double Y = (y + 0.5) - rows_.height * 0.5;
     const int32_t w = rows_.width;
-    int32_t* end = cuts_;
+    // Every column where a start ray's zone changes, with the ray (a column
+    // in the high bits, the ray in the low 16), in order along the row.
+    int64_t* end = cuts_;
     for (int32_t k = 0; k < n_; ++k) {
-      end = AppendZoneChanges(0, w, [&](int32_t x) { return EdgeZone(Sd(k, X(x), Y), antiAlias_); }, end);
-      end = AppendZoneChanges(0, w, [&](int32_t x) { return EdgeZone(-Hd(k, X(x), Y), antiAlias_); }, end);
+      ForEachZoneChange(
+          0, w, [&](int32_t x) { return EdgeZone(Sd(k, X(x), Y), antiAlias_); },
+          [&](int32_t x) { *end++ = (int64_t{x} << 16) | k; });
     }
     std::sort(cuts_, end);
-    end = std::unique(cuts_, end);
-    *end = w;
+    // Which side of each ray the current run lies on, kept up to date at the cuts.
+    const double X0 = X(0);
+    for (int32_t k = 0; k < n_; ++k) clockwise_[k] = Sd(k, X0, Y) >= 0;
     int32_t from = 0;
-    for (const int32_t* cut = cuts_; cut <= end; ++cut) {
-      if (*cut > from) PaintRun(y, Y, from, *cut);
-      from = *cut;
+    for (const int64_t* cut = cuts_;; ++cut) {
+      const int32_t to = cut < end ? static_cast<int32_t>(*cut >> 16) : w;
+      if (to > from) PaintSector(y, Y, from, to);
+      if (cut == end) break;
+      const int32_t k = static_cast<int32_t>(*cut & 0xFFFF);
+      clockwise_[k] = Sd(k, X(to), Y) >= 0;
+      from = to;
     }
   }
 
@@ -84,13 +99,25 @@ class Pinwheel {
   double Hd(int32_t k, double X, double Y) const { return blades_[k].dx * Y - blades_[k].dy * X; }
   int32_t Next(int32_t k) const { return k + 1 == n_ ? 0 : k + 1; }
 
-  // The first k with the pixel clockwise of ray k and not of ray k + 1; 0
+  // The first k with the run clockwise of ray k and not of ray k + 1; 0
   // when there is none (the exact centre).
-  int32_t Sector(double X, double Y) const {
+  int32_t Sector() const {
     for (int32_t k = 0; k < n_; ++k) {
-      if (Sd(k, X, Y) >= 0 && Sd(Next(k), X, Y) < 0) return k;
+      if (clockwise_[k] && !clockwise_[Next(k)]) return k;
     }
     return 0;
+  }
+
+  // Columns [from, to) of row y, in one sector, cut where its hand's zone changes.
+  void PaintSector(int32_t y, double Y, int32_t from, int32_t to) const {
+    const int32_t k = Sector();
+    ForEachZoneChange(
+        from, to, [&](int32_t x) { return EdgeZone(-Hd(k, X(x), Y), antiAlias_); },
+        [&](int32_t x) {
+          PaintRun(y, Y, k, from, x);
+          from = x;
+        });
+    PaintRun(y, Y, k, from, to);
   }
 
   // edge(edge(A, B, sd_k), edge(A, B, sd_k+1), -hd): behind the hand the
@@ -100,10 +127,9 @@ class Pinwheel {
                 antiAlias_);
   }
 
-  // Columns [from, to) of row y, in which no distance changes its zone.
-  void PaintRun(int32_t y, double Y, int32_t from, int32_t to) const {
+  // Columns [from, to) of row y in sector k, in which no distance changes its zone.
+  void PaintRun(int32_t y, double Y, int32_t k, int32_t from, int32_t to) const {
     const double X0 = X(from);
-    const int32_t k = Sector(X0, Y);
     const int hand = EdgeZone(-Hd(k, X0, Y), antiAlias_);
     const int side = hand == 0 ? EdgeZone(Sd(k, X0, Y), antiAlias_)
                      : hand == 3 ? EdgeZone(Sd(Next(k), X0, Y), antiAlias_)
@@ -122,7 +148,8 @@ class Pinwheel {
   const Blade* blades_;
   int32_t n_;
   bool counterClockwise_, antiAlias_;
-  int32_t* cuts_;
+  int64_t* cuts_;
+  bool* clockwise_;
 };
 
 int32_t PinWheelRender(t_KrRenderInfo* ri) {
@@ -134,8 +161,9 @@ int32_t PinWheelRender(t_KrRenderInfo* ri) {
   if (ri->Width <= 0 || ri->Height <= 0 || DrawEnds(ri)) return 1;
 
   const Scratch<Blade> blades = AllocateScratch<Blade>(static_cast<size_t>(n));
-  const Scratch<int32_t> cuts = AllocateScratch<int32_t>(6 * static_cast<size_t>(n) + 1);
-  if (!blades || !cuts) {  // without room for its tables the frame shows A
+  const Scratch<int64_t> cuts = AllocateScratch<int64_t>(3 * static_cast<size_t>(n) + 1);
+  const Scratch<bool> clockwise = AllocateScratch<bool>(static_cast<size_t>(n));
+  if (!blades || !cuts || !clockwise) {  // without room for its tables the frame shows A
     CopyPixels(ri->Output, ri->InputA, 0, FramePixelCount(ri));
     return 1;
   }
@@ -145,7 +173,7 @@ int32_t PinWheelRender(t_KrRenderInfo* ri) {
     blades[k] = {Sin(start), Cos(start), Sin(start + phi), Cos(start + phi)};
   }
   const FrameRows rows = FrameRows::Of(ri);
-  const Pinwheel wheel(rows, blades.get(), n, counterClockwise, antiAlias, cuts.get());
+  const Pinwheel wheel(rows, blades.get(), n, counterClockwise, antiAlias, cuts.get(), clockwise.get());
   for (int32_t y = 0; y < rows.height; ++y) wheel.PaintRow(y);
   return 1;
 }
