@@ -18,6 +18,7 @@
 #include "raster/exact_trig.h"
 #include "raster/numeric.h"
 #include "raster/pixel_rows.h"
+#include "raster/scratch.h"
 #include "transitions/band/edge_runs.h"
 
 namespace krl {
@@ -51,14 +52,13 @@ struct Along {
   double lead;     // L - m, the distance behind B's leading edge
   double dc;       // B's displacement across the flight
   double gs;       // 1 / sqrt(1 + slope^2), turning an across distance into one normal to the edge
-  int32_t source;  // B's column (or row) along the flight, not yet held to the frame
+  const PixelWord* line;  // B's column (or row) along the flight, held to the frame
 };
 
 class Carpet {
  public:
   Carpet(const FrameRows& rows, int32_t flight, int32_t k, int32_t am, double p, bool antiAlias)
       : rows_(rows),
-        b_{rows.inputB, rows.width, rows.height},
         horizontal_(flight == kLeftRight || flight == kRightLeft),
         fromFar_(flight == kRightLeft || flight == kTopBottom),
         k_(k),
@@ -68,7 +68,9 @@ class Carpet {
         o_((1 - p) * l_),
         // Am x C in 32 bits, wrapping for frames far beyond any picture.
         amp_((WrappingMultiply(am, horizontal_ ? rows.height : rows.width) / 100.0) * (1 - p)),
-        antiAlias_(antiAlias) {}
+        antiAlias_(antiAlias),
+        lastAcross_((horizontal_ ? rows.height : rows.width) - 1),
+        acrossStride_(horizontal_ ? static_cast<size_t>(rows.width) : 1) {}
 
   // Position i along the flight: memory column i, or memory row i.
   Along At(int32_t i) const {
@@ -80,7 +82,8 @@ class Carpet {
     const double dc = amp_ * Sin(omega);
     const double slope = (amp_ * Cos(omega) * 2 * kPi * k_) / l_;
     const double gs = 1 / std::sqrt(1 + slope * slope);
-    return {l_ - m, dc, gs, FloorToInt32(fromFar_ ? l_ - m : m)};
+    const int32_t source = ClampedFrame::Clamp(FloorToInt32(fromFar_ ? l_ - m : m), (horizontal_ ? rows_.width : rows_.height) - 1);
+    return {l_ - m, dc, gs, horizontal_ ? rows_.inputB + source : rows_.B(source)};
   }
 
   void Paint() const {
@@ -92,21 +95,37 @@ class Carpet {
   }
 
  private:
-  // The pixel at across coordinate c of position `s`, over A's pixel `a`.
+  // The pixel at across coordinate c of position `s`, over A's pixel `a`;
+  // B's across index floor(cb) held to the frame.
+  template <bool kAntiAlias>
   uint32_t Pixel(uint32_t a, const Along& s, double c) const {
     const double cb = c - s.dc;
     const double e = std::min(s.lead, std::min(cb, c_ - cb) * s.gs);
-    if (!antiAlias_ && e < 0) return a;
-    const int32_t across = FloorToInt32(cb);
-    const uint32_t sample = horizontal_ ? b_.At(s.source, across) : b_.At(across, s.source);
-    return Edge(a, sample, e, antiAlias_);
+    if (!kAntiAlias && e < 0) return a;
+    const auto across = static_cast<size_t>(ClampedFrame::Clamp(FloorToInt32(cb), lastAcross_));
+    const uint32_t sample = s.line[across * acrossStride_];
+    return kAntiAlias ? Edge(a, sample, e, true) : sample;
   }
 
-  // Horizontal flight: the columns in blocks, each block's values computed
-  // once and used by every row.
+  template <bool kAntiAlias>
+  void PaintColumnsOfRow(PixelWord* out, const PixelWord* a, const Along* along, int32_t n, double c) const {
+    for (int32_t i = 0; i < n; ++i) out[i] = Pixel<kAntiAlias>(a[i], along[i], c);
+  }
+
+  template <bool kAntiAlias>
+  void PaintRowAt(PixelWord* out, const PixelWord* a, const Along& s) const {
+    for (int32_t x = 0; x < rows_.width; ++x) out[x] = Pixel<kAntiAlias>(a[x], s, x + 0.5);
+  }
+
+  // Horizontal flight: each column's values computed once and used by every
+  // row; the rows are written whole, unless there is no room for the values
+  // of a whole row, when they go in blocks of columns.
   void PaintColumns() const {
-    constexpr int32_t kBlock = 256, kPrefetchRows = 6;
-    Along along[kBlock];
+    constexpr int32_t kPrefetchRows = 6, kSmallBlock = 256;
+    Along small[kSmallBlock];
+    const Scratch<Along> whole = AllocateScratch<Along>(static_cast<size_t>(rows_.width));
+    Along* along = whole ? whole.get() : small;
+    const int32_t block = whole ? rows_.width : kSmallBlock;
     // Behind the leading edge only (e <= L - m): the other columns are plainly A.
     const ColumnRange carpet =
         HoldingRange(0, rows_.width, [&](int32_t x) { return EdgeZone(At(x).lead, antiAlias_) != 0; });
@@ -114,8 +133,8 @@ class Carpet {
       CopyRun(rows_.Out(y), rows_.A(y), carpet.begin);
       CopyRun(rows_.Out(y) + carpet.end, rows_.A(y) + carpet.end, rows_.width - carpet.end);
     }
-    for (int32_t x0 = carpet.begin; x0 < carpet.end; x0 += kBlock) {
-      const int32_t n = std::min(kBlock, carpet.end - x0);
+    for (int32_t x0 = carpet.begin; x0 < carpet.end; x0 += block) {
+      const int32_t n = std::min(block, carpet.end - x0);
       for (int32_t i = 0; i < n; ++i) along[i] = At(x0 + i);
       for (int32_t y = 0; y < rows_.height; ++y) {
         const double c = y + 0.5;
@@ -123,12 +142,16 @@ class Carpet {
         // ask for the lines a few rows on, which no prefetcher foresees.
         const double ahead = std::min(y + kPrefetchRows, rows_.height - 1) + 0.5;
         for (int32_t i = 0; i < n; i += 8) {
-          const int32_t row = ClampedFrame::Clamp(FloorToInt32(ahead - along[i].dc), rows_.height - 1);
-          __builtin_prefetch(rows_.B(row) + ClampedFrame::Clamp(along[i].source, rows_.width - 1));
+          const int32_t row = ClampedFrame::Clamp(FloorToInt32(ahead - along[i].dc), lastAcross_);
+          __builtin_prefetch(along[i].line + static_cast<size_t>(row) * acrossStride_);
         }
         PixelWord* out = rows_.Out(y) + x0;
         const PixelWord* a = rows_.A(y) + x0;
-        for (int32_t i = 0; i < n; ++i) out[i] = Pixel(a[i], along[i], c);
+        if (antiAlias_) {
+          PaintColumnsOfRow<true>(out, a, along, n, c);
+        } else {
+          PaintColumnsOfRow<false>(out, a, along, n, c);
+        }
       }
     }
   }
@@ -142,15 +165,20 @@ class Carpet {
       CopyRun(out, a, rows_.width);
       return;
     }
-    for (int32_t x = 0; x < rows_.width; ++x) out[x] = Pixel(a[x], s, x + 0.5);
+    if (antiAlias_) {
+      PaintRowAt<true>(out, a, s);
+    } else {
+      PaintRowAt<false>(out, a, s);
+    }
   }
 
   const FrameRows& rows_;
-  ClampedFrame b_;
   bool horizontal_, fromFar_;
   int32_t k_;
   double p_, l_, c_, o_, amp_;
   bool antiAlias_;
+  int32_t lastAcross_;   // the last row (horizontal flight) or column of B
+  size_t acrossStride_;  // pixels from one such row or column to the next
 };
 
 int32_t FlyingCarpetRender(t_KrRenderInfo* ri) {
