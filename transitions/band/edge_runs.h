@@ -45,6 +45,14 @@ inline int EdgeZone(double r, bool antiAlias) {
   return wP == 0 ? 3 : 2;
 }
 
+// edge(P, Q, r) with anti-aliasing, asking q() for Q only where it shows.
+template <typename LazyQ>
+uint32_t SoftEdge(uint32_t p, LazyQ q, double r) {
+  const int32_t weightP = MixWeight(0.5 - r);
+  if (weightP == 256) return p;
+  return weightP == 0 ? q() : MixWeighted(q(), p, weightP);
+}
+
 // The first column in (from, end) whose zone differs from that of `from`, or
 // end; zone(x) must be monotone along [from, end). A change expected close
 // to `from` (the next border of a blend one pixel wide) is sought in steps

@@ -14,7 +14,6 @@
 #include "host/render_prologue.h"
 #include "host/transition.h"
 #include "raster/clamped_frame.h"
-#include "raster/edge_profile.h"
 #include "raster/exact_trig.h"
 #include "raster/numeric.h"
 #include "raster/pixel_rows.h"
@@ -86,78 +85,73 @@ class Carpet {
     return {l_ - m, dc, gs, horizontal_ ? rows_.inputB + source : rows_.B(source)};
   }
 
-  void Paint() const {
+  // False when there is no room for the values of a row.
+  bool Paint() const {
+    const auto w = static_cast<size_t>(rows_.width);
+    const Scratch<double> distances = AllocateScratch<double>(2 * w);
+    const Scratch<Along> along = AllocateScratch<Along>(horizontal_ ? w : 1);
+    if (!distances || !along) return false;
+    const Row row{distances.get(), distances.get() + w};
     if (horizontal_) {
-      PaintColumns();
+      PaintColumns(along.get(), row);
     } else {
-      for (int32_t y = 0; y < rows_.height; ++y) PaintRow(y);
+      for (int32_t y = 0; y < rows_.height; ++y) PaintRow(y, row);
     }
+    return true;
   }
 
  private:
-  // The pixel at across coordinate c of position `s`, over A's pixel `a`;
-  // B's across index floor(cb) held to the frame.
-  template <bool kAntiAlias>
-  uint32_t Pixel(uint32_t a, const Along& s, double c) const {
-    const double cb = c - s.dc;
-    const double e = std::min(s.lead, std::min(cb, c_ - cb) * s.gs);
-    if (!kAntiAlias && e < 0) return a;
-    const auto across = static_cast<size_t>(ClampedFrame::Clamp(FloorToInt32(cb), lastAcross_));
-    const uint32_t sample = s.line[across * acrossStride_];
-    return kAntiAlias ? Edge(a, sample, e, true) : sample;
+  // Per pixel of a row: e, and B's across index floor(cb) held to the frame
+  // (as a double: clamp(cb, 0, last) truncated is the same index).
+  struct Row {
+    double* e;
+    double* across;
+  };
+
+  void Distances(const Row& row, int32_t i, double cb, double lead, double gs) const {
+    row.e[i] = std::min(lead, std::min(cb, c_ - cb) * gs);
+    row.across[i] = std::min(std::max(cb, 0.0), lastAcross_);
   }
 
-  template <bool kAntiAlias>
-  void PaintColumnsOfRow(PixelWord* out, const PixelWord* a, const Along* along, int32_t n, double c) const {
-    for (int32_t i = 0; i < n; ++i) out[i] = Pixel<kAntiAlias>(a[i], along[i], c);
+  // edge(A, sample, e) along a row of n pixels, B's pixel i read on `line(i)`.
+  template <typename Line>
+  void Blend(PixelWord* out, const PixelWord* a, const Row& row, int32_t n, Line line) const {
+    auto sample = [&](int32_t i) { return line(i)[static_cast<size_t>(static_cast<int32_t>(row.across[i])) * acrossStride_]; };
+    if (antiAlias_) {
+      for (int32_t i = 0; i < n; ++i) out[i] = SoftEdge(a[i], [&] { return sample(i); }, row.e[i]);
+    } else {
+      for (int32_t i = 0; i < n; ++i) out[i] = row.e[i] < 0 ? a[i] : sample(i);
+    }
   }
 
-  template <bool kAntiAlias>
-  void PaintRowAt(PixelWord* out, const PixelWord* a, const Along& s) const {
-    for (int32_t x = 0; x < rows_.width; ++x) out[x] = Pixel<kAntiAlias>(a[x], s, x + 0.5);
-  }
-
-  // Horizontal flight: each column's values computed once and used by every
-  // row; the rows are written whole, unless there is no room for the values
-  // of a whole row, when they go in blocks of columns.
-  void PaintColumns() const {
-    constexpr int32_t kPrefetchRows = 6, kSmallBlock = 256;
-    Along small[kSmallBlock];
-    const Scratch<Along> whole = AllocateScratch<Along>(static_cast<size_t>(rows_.width));
-    Along* along = whole ? whole.get() : small;
-    const int32_t block = whole ? rows_.width : kSmallBlock;
+  // Horizontal flight: each column's values worked out once and used by every row.
+  void PaintColumns(Along* along, const Row& row) const {
+    constexpr int32_t kPrefetchRows = 6;
     // Behind the leading edge only (e <= L - m): the other columns are plainly A.
     const ColumnRange carpet =
         HoldingRange(0, rows_.width, [&](int32_t x) { return EdgeZone(At(x).lead, antiAlias_) != 0; });
+    const int32_t n = carpet.end - carpet.begin;
+    for (int32_t i = 0; i < n; ++i) along[i] = At(carpet.begin + i);
     for (int32_t y = 0; y < rows_.height; ++y) {
-      CopyRun(rows_.Out(y), rows_.A(y), carpet.begin);
-      CopyRun(rows_.Out(y) + carpet.end, rows_.A(y) + carpet.end, rows_.width - carpet.end);
-    }
-    for (int32_t x0 = carpet.begin; x0 < carpet.end; x0 += block) {
-      const int32_t n = std::min(block, carpet.end - x0);
-      for (int32_t i = 0; i < n; ++i) along[i] = At(x0 + i);
-      for (int32_t y = 0; y < rows_.height; ++y) {
-        const double c = y + 0.5;
-        // Each column reads B a wave's height above or below its own row:
-        // ask for the lines a few rows on, which no prefetcher foresees.
-        const double ahead = std::min(y + kPrefetchRows, rows_.height - 1) + 0.5;
-        for (int32_t i = 0; i < n; i += 8) {
-          const int32_t row = ClampedFrame::Clamp(FloorToInt32(ahead - along[i].dc), lastAcross_);
-          __builtin_prefetch(along[i].line + static_cast<size_t>(row) * acrossStride_);
-        }
-        PixelWord* out = rows_.Out(y) + x0;
-        const PixelWord* a = rows_.A(y) + x0;
-        if (antiAlias_) {
-          PaintColumnsOfRow<true>(out, a, along, n, c);
-        } else {
-          PaintColumnsOfRow<false>(out, a, along, n, c);
-        }
+      PixelWord* out = rows_.Out(y);
+      const PixelWord* a = rows_.A(y);
+      CopyRun(out, a, carpet.begin);
+      CopyRun(out + carpet.end, a + carpet.end, rows_.width - carpet.end);
+      // Each column reads B a wave's height above or below its own row: ask
+      // for the lines a few rows on, which no prefetcher foresees.
+      const double ahead = std::min(y + kPrefetchRows, rows_.height - 1) + 0.5;
+      for (int32_t i = 0; i < n; i += 8) {
+        const auto at = static_cast<size_t>(std::min(std::max(ahead - along[i].dc, 0.0), lastAcross_));
+        __builtin_prefetch(along[i].line + at * acrossStride_);
       }
+      const double c = y + 0.5;
+      for (int32_t i = 0; i < n; ++i) Distances(row, i, c - along[i].dc, along[i].lead, along[i].gs);
+      Blend(out + carpet.begin, a + carpet.begin, row, n, [&](int32_t i) { return along[i].line; });
     }
   }
 
   // Vertical flight: one row's values serve the whole row.
-  void PaintRow(int32_t y) const {
+  void PaintRow(int32_t y, const Row& row) const {
     const Along s = At(y);
     PixelWord* out = rows_.Out(y);
     const PixelWord* a = rows_.A(y);
@@ -165,11 +159,8 @@ class Carpet {
       CopyRun(out, a, rows_.width);
       return;
     }
-    if (antiAlias_) {
-      PaintRowAt<true>(out, a, s);
-    } else {
-      PaintRowAt<false>(out, a, s);
-    }
+    for (int32_t x = 0; x < rows_.width; ++x) Distances(row, x, (x + 0.5) - s.dc, s.lead, s.gs);
+    Blend(out, a, row, rows_.width, [&](int32_t) { return s.line; });
   }
 
   const FrameRows& rows_;
@@ -177,7 +168,7 @@ class Carpet {
   int32_t k_;
   double p_, l_, c_, o_, amp_;
   bool antiAlias_;
-  int32_t lastAcross_;   // the last row (horizontal flight) or column of B
+  double lastAcross_;    // the last row (horizontal flight) or column of B
   size_t acrossStride_;  // pixels from one such row or column to the next
 };
 
@@ -191,7 +182,9 @@ int32_t FlyingCarpetRender(t_KrRenderInfo* ri) {
   if (ri->Width <= 0 || ri->Height <= 0 || DrawEnds(ri)) return 1;
 
   const FrameRows rows = FrameRows::Of(ri);
-  Carpet(rows, flight, k, am, ri->Progress, antiAlias).Paint();
+  if (!Carpet(rows, flight, k, am, ri->Progress, antiAlias).Paint()) {
+    CopyPixels(ri->Output, ri->InputA, 0, FramePixelCount(ri));  // no room for a row's values: A stays
+  }
   return 1;
 }
 

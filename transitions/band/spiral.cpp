@@ -12,7 +12,6 @@
 #include "host/render_prologue.h"
 #include "host/transition.h"
 #include "raster/clamped_frame.h"
-#include "raster/edge_profile.h"
 #include "raster/exact_trig.h"
 #include "raster/pixel_rows.h"
 #include "transitions/band/edge_runs.h"
@@ -111,13 +110,7 @@ class TurnedA {
     for (int32_t x = run.begin; x < run.end; ++x) {
       const double u = U(x, r), v = V(x, r);
       const double e = std::min(std::min(u, w - u), std::min(v, h - v)) * g_;
-      const int32_t weightB = MixWeight(0.5 - e);
-      if (weightB == 256) {
-        out[x] = b[x];
-        continue;
-      }
-      const uint32_t sample = Bilinear(u, v);
-      out[x] = weightB == 0 ? sample : MixWeighted(sample, b[x], weightB);
+      out[x] = SoftEdge(b[x], [&] { return Bilinear(u, v); }, e);
     }
   }
 
