@@ -25,6 +25,7 @@
   X(DoorsVertical) /* "Vertical Doors" */     \
   X(FadeDissolve) /* "Traditional Fade" */    \
   X(FlashOver)                                \
+  X(FlyingCarpet)                             \
   X(Fractal)                                  \
   X(HilbertMosaic)                            \
   X(Inset)                                    \
@@ -34,6 +35,7 @@
   X(IrisSquared)                              \
   X(IrisStar)                                 \
   X(Mosaic)                                   \
+  X(PinWheel)                                 \
   X(Push)                                     \
   X(RandomDissolve)                           \
   X(Rotation)                                 \
@@ -45,6 +47,7 @@
   X(SmoulderingPaper) /* "Smouldering Paper" */\
   X(Sphere)                                   \
   X(Spin) /* "Spin Away" */                   \
+  X(Spiral)                                   \
   X(Swap)                                     \
   X(SwingingDoor)                             \
   X(SwingingDoorVertical) /* "Vertical Swinging Door" */\

@@ -1,0 +1,195 @@
+// Flying Carpet: B flies in over the still A from the chosen side, its
+// leading edge reaching the far side at the end. Ripples run along it from
+// its leading edge to its trailing edge, displacing it across the flight by a
+// sine wave, so that its two long edges undulate and A shows in the troughs;
+// they calm down as B lands and are gone at the end.
+//
+// Everything that depends only on the position along the flight (the
+// displacement, the slope of the edge, the leading edge, B's column or row)
+// is worked out once per column (or row); each pixel then needs a
+// subtraction, two comparisons and one blend.
+#include <algorithm>
+#include <cmath>
+
+#include "host/render_prologue.h"
+#include "host/transition.h"
+#include "raster/clamped_frame.h"
+#include "raster/exact_trig.h"
+#include "raster/numeric.h"
+#include "raster/pixel_rows.h"
+#include "raster/scratch.h"
+#include "transitions/band/edge_runs.h"
+
+namespace krl {
+namespace {
+
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Slide/Flying Carpet", .signature = "Flying Carpet (ZE plug-in SDK effect)",
+                             .displayName = "Flying Carpet", .description = "Vb flies into over Va like magic carpet."};
+
+ClipFields clip;
+FieldIndex direction, waves, amplitude, antiAliasing;
+
+constexpr auto kFields = FieldTable(clip,
+    Selector(&direction, "Direction", "Direction",
+             {{"Left > Right", 0}, {"Right > Left", 1}, {"Top > Bottom", 2}, {"Bottom > Top", 3}})
+        .Help("Specifies the position where Vb starts to move in.")
+        .Default(0),
+    Long(&waves, "Waves", "Waves (1..8)", 1.0, 8.0)
+        .Limits()
+        .Help("Defines the number of waves along the carpet.")
+        .Default(2),
+    Long(&amplitude, "Amplitude", "Amplitude (0..25 %)", 0.0, 25.0)
+        .Limits()
+        .Help("Defines the height of the waves in percent of the picture.")
+        .Default(5),
+    AntiAliasingField(&antiAliasing));
+
+enum Flight : int32_t { kLeftRight, kRightLeft, kTopBottom, kBottomTop };
+
+// What one position along the flight gives every pixel across it.
+struct Along {
+  double lead;     // L - m, the distance behind B's leading edge
+  double dc;       // B's displacement across the flight
+  double gs;       // 1 / sqrt(1 + slope^2), turning an across distance into one normal to the edge
+  const PixelWord* line;  // B's column (or row) along the flight, held to the frame
+};
+
+class Carpet {
+ public:
+  Carpet(const FrameRows& rows, int32_t flight, int32_t k, int32_t am, double p, bool antiAlias)
+      : rows_(rows),
+        horizontal_(flight == kLeftRight || flight == kRightLeft),
+        fromFar_(flight == kRightLeft || flight == kTopBottom),
+        k_(k),
+        p_(p),
+        l_(horizontal_ ? rows.width : rows.height),
+        c_(horizontal_ ? rows.height : rows.width),
+        o_((1 - p) * l_),
+        // Am x C in 32 bits, wrapping for frames far beyond any picture.
+        amp_((WrappingMultiply(am, horizontal_ ? rows.height : rows.width) / 100.0) * (1 - p)),
+        antiAlias_(antiAlias),
+        lastAcross_((horizontal_ ? rows.height : rows.width) - 1),
+        acrossStride_(horizontal_ ? static_cast<size_t>(rows.width) : 1) {}
+
+  // Position i along the flight: memory column i, or memory row i.
+  Along At(int32_t i) const {
+    const double centre = i + 0.5;
+    const double a = fromFar_ ? l_ - centre : centre;
+    const double m = a + o_;
+    const double xi = (l_ - m) / l_;
+    const double omega = (2 * kPi) * ((k_ * xi) - (2 * p_));
+    const double dc = amp_ * Sin(omega);
+    const double slope = (amp_ * Cos(omega) * 2 * kPi * k_) / l_;
+    const double gs = 1 / std::sqrt(1 + slope * slope);
+    const int32_t source = ClampedFrame::Clamp(FloorToInt32(fromFar_ ? l_ - m : m), (horizontal_ ? rows_.width : rows_.height) - 1);
+    return {l_ - m, dc, gs, horizontal_ ? rows_.inputB + source : rows_.B(source)};
+  }
+
+  // False when there is no room for the values of a row.
+  bool Paint() const {
+    const auto w = static_cast<size_t>(rows_.width);
+    const Scratch<double> distances = AllocateScratch<double>(2 * w);
+    const Scratch<Along> along = AllocateScratch<Along>(horizontal_ ? w : 1);
+    if (!distances || !along) return false;
+    const Row row{distances.get(), distances.get() + w};
+    if (horizontal_) {
+      PaintColumns(along.get(), row);
+    } else {
+      for (int32_t y = 0; y < rows_.height; ++y) PaintRow(y, row);
+    }
+    return true;
+  }
+
+ private:
+  // Per pixel of a row: e, and B's across index floor(cb) held to the frame
+  // (as a double: clamp(cb, 0, last) truncated is the same index).
+  struct Row {
+    double* e;
+    double* across;
+  };
+
+  void Distances(const Row& row, int32_t i, double cb, double lead, double gs) const {
+    row.e[i] = std::min(lead, std::min(cb, c_ - cb) * gs);
+    row.across[i] = std::min(std::max(cb, 0.0), lastAcross_);
+  }
+
+  // edge(A, sample, e) along a row of n pixels, B's pixel i read on `line(i)`.
+  template <typename Line>
+  void Blend(PixelWord* out, const PixelWord* a, const Row& row, int32_t n, Line line) const {
+    auto sample = [&](int32_t i) { return line(i)[static_cast<size_t>(static_cast<int32_t>(row.across[i])) * acrossStride_]; };
+    if (antiAlias_) {
+      for (int32_t i = 0; i < n; ++i) out[i] = SoftEdge(a[i], [&] { return sample(i); }, row.e[i]);
+    } else {
+      for (int32_t i = 0; i < n; ++i) out[i] = row.e[i] < 0 ? a[i] : sample(i);
+    }
+  }
+
+  // Horizontal flight: each column's values worked out once and used by every row.
+  void PaintColumns(Along* along, const Row& row) const {
+    constexpr int32_t kPrefetchRows = 6;
+    // Behind the leading edge only (e <= L - m): the other columns are plainly A.
+    const ColumnRange carpet =
+        HoldingRange(0, rows_.width, [&](int32_t x) { return EdgeZone(At(x).lead, antiAlias_) != 0; });
+    const int32_t n = carpet.end - carpet.begin;
+    for (int32_t i = 0; i < n; ++i) along[i] = At(carpet.begin + i);
+    for (int32_t y = 0; y < rows_.height; ++y) {
+      PixelWord* out = rows_.Out(y);
+      const PixelWord* a = rows_.A(y);
+      CopyRun(out, a, carpet.begin);
+      CopyRun(out + carpet.end, a + carpet.end, rows_.width - carpet.end);
+      // Each column reads B a wave's height above or below its own row: ask
+      // for the lines a few rows on, which no prefetcher foresees.
+      const double ahead = std::min(y + kPrefetchRows, rows_.height - 1) + 0.5;
+      for (int32_t i = 0; i < n; i += 8) {
+        const auto at = static_cast<size_t>(std::min(std::max(ahead - along[i].dc, 0.0), lastAcross_));
+        __builtin_prefetch(along[i].line + at * acrossStride_);
+      }
+      const double c = y + 0.5;
+      for (int32_t i = 0; i < n; ++i) Distances(row, i, c - along[i].dc, along[i].lead, along[i].gs);
+      Blend(out + carpet.begin, a + carpet.begin, row, n, [&](int32_t i) { return along[i].line; });
+    }
+  }
+
+  // Vertical flight: one row's values serve the whole row.
+  void PaintRow(int32_t y, const Row& row) const {
+    const Along s = At(y);
+    PixelWord* out = rows_.Out(y);
+    const PixelWord* a = rows_.A(y);
+    if (EdgeZone(s.lead, antiAlias_) == 0) {  // ahead of the leading edge: plainly A
+      CopyRun(out, a, rows_.width);
+      return;
+    }
+    for (int32_t x = 0; x < rows_.width; ++x) Distances(row, x, (x + 0.5) - s.dc, s.lead, s.gs);
+    Blend(out, a, row, rows_.width, [&](int32_t) { return s.line; });
+  }
+
+  const FrameRows& rows_;
+  bool horizontal_, fromFar_;
+  int32_t k_;
+  double p_, l_, c_, o_, amp_;
+  bool antiAlias_;
+  double lastAcross_;    // the last row (horizontal flight) or column of B
+  size_t acrossStride_;  // pixels from one such row or column to the next
+};
+
+int32_t FlyingCarpetRender(t_KrRenderInfo* ri) {
+  if (!BeginRender(ri, clip.transType)) return 0;
+  const HostCalls host(ri);
+  int32_t flight = host.Field(direction);
+  if (flight < kLeftRight || flight > kBottomTop) flight = kLeftRight;
+  const int32_t k = host.Field(waves), am = host.Field(amplitude);
+  const bool antiAlias = host.Field(antiAliasing) != 0;
+  if (ri->Width <= 0 || ri->Height <= 0 || DrawEnds(ri)) return 1;
+
+  const FrameRows rows = FrameRows::Of(ri);
+  if (!Carpet(rows, flight, k, am, ri->Progress, antiAlias).Paint()) {
+    CopyPixels(ri->Output, ri->InputA, 0, FramePixelCount(ri));  // no room for a row's values: A stays
+  }
+  return 1;
+}
+
+}  // namespace
+}  // namespace krl
+
+KR_TRANSITION(FlyingCarpet, kTexts, kFields)
+KR_TEST_PROFILE("Flying Carpet", .heavier = {"Waves=8", "Amplitude=25", "Anti-Aliasing=on"})

@@ -1,0 +1,197 @@
+// Spiral: A turns about the frame centre while it shrinks into it, so every
+// point of A travels on a spiral to the centre; B lies still behind it. A
+// makes "Turns" full turns and is half its size at the middle.
+//
+// Each output pixel maps back into A by the frame's turn and scale, computed
+// per pixel as written (the products of a row's Y once per row). Along a row
+// the mapped u and v only rise or only fall, so the pixels inside A (or, with
+// anti-aliasing, not plainly B) form one run of columns, found by binary
+// search over that arithmetic; B is copied on either side of it.
+#include <algorithm>
+
+#include "host/render_prologue.h"
+#include "host/transition.h"
+#include "raster/clamped_frame.h"
+#include "raster/exact_trig.h"
+#include "raster/pixel_rows.h"
+#include "transitions/band/edge_runs.h"
+
+namespace krl {
+namespace {
+
+constexpr EffectTexts kTexts{.menuPath = "Transitions/Special/Spiral", .signature = "Spiral (ZE plug-in SDK effect)",
+                             .displayName = "Spiral", .description = "Va turns spirally to Vb."};
+
+ClipFields clip;
+FieldIndex direction, turnsField, antiAliasing;
+
+constexpr auto kFields = FieldTable(clip,
+    Selector(&direction, "Direction", "Direction", kTurnItems)
+        .Help("Specifies the direction in which Va turns.")
+        .Default(0),
+    Long(&turnsField, "Turns", "Turns (0..4)", 0.0, 4.0)
+        .Limits()
+        .Help("Defines how often Va turns while it shrinks.")
+        .Default(1),
+    AntiAliasingField(&antiAliasing));
+
+// A turned clockwise by theta and scaled by g about the frame centre.
+class TurnedA {
+ public:
+  TurnedA(const FrameRows& rows, double theta, double g, bool antiAlias)
+      : rows_(rows),
+        a_{rows.inputA, rows.width, rows.height},
+        g_(g),
+        k1_(Cos(theta) / g),
+        k2_(Sin(theta) / g),
+        cx_(rows.width * 0.5),
+        cy_(rows.height * 0.5),
+        antiAlias_(antiAlias) {}
+
+  // Bands of rows, each painted in tiles of columns: the turned A pixels a
+  // tile reads lie close together and stay in the caches.
+  void Paint() const {
+    constexpr int32_t kBandRows = 32, kTileColumns = 64;
+    ColumnRange runs[kBandRows];
+    for (int32_t y0 = 0; y0 < rows_.height; y0 += kBandRows) {
+      const int32_t n = std::min(kBandRows, rows_.height - y0);
+      for (int32_t i = 0; i < n; ++i) {
+        const int32_t y = y0 + i;
+        runs[i] = RunOf(RowOf(y));
+        PixelWord* out = rows_.Out(y);
+        const PixelWord* b = rows_.B(y);
+        CopyRun(out, b, runs[i].begin);
+        CopyRun(out + runs[i].end, b + runs[i].end, rows_.width - runs[i].end);
+      }
+      for (int32_t x0 = 0; x0 < rows_.width; x0 += kTileColumns) {
+        for (int32_t i = 0; i < n; ++i) {
+          const ColumnRange span = Intersect(runs[i], {x0, std::min(x0 + kTileColumns, rows_.width)});
+          if (span.begin >= span.end) continue;
+          if (antiAlias_) {
+            PaintSoft(y0 + i, span);
+          } else {
+            PaintNearest(y0 + i, span);
+          }
+        }
+      }
+    }
+  }
+
+ private:
+  struct Row {
+    double yk2, yk1;  // Y x k2 and Y x k1
+  };
+
+  Row RowOf(int32_t y) const {
+    const double Y = (y + 0.5) - cy_;
+    return {Y * k2_, Y * k1_};
+  }
+
+  // The columns of a row that show A (or, with anti-aliasing, not plainly B).
+  ColumnRange RunOf(const Row& r) const {
+    const double w = rows_.width, h = rows_.height;
+    const int32_t width = rows_.width;
+    ColumnRange run{0, width};
+    if (antiAlias_) {
+      // Plainly B where e <= -0.5: e is the least of the four distances times
+      // g, and a product with g > 0 keeps their order, so each distance must
+      // leave B on its own.
+      auto blended = [&](double d) { return MixWeight(0.5 - d * g_) < 256; };
+      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return blended(U(x, r)); }));
+      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return blended(w - U(x, r)); }));
+      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return blended(V(x, r)); }));
+      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return blended(h - V(x, r)); }));
+    } else {
+      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return 0 <= U(x, r); }));
+      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return U(x, r) < w; }));
+      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return 0 <= V(x, r); }));
+      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return V(x, r) < h; }));
+    }
+    return run;
+  }
+
+  // Inside A, where 0 <= u < W and 0 <= v < H: floor(u) and floor(v) are
+  // their truncations. The places are worked out for a stretch of the row
+  // before any is read, so that the reads, which cross A's rows, overlap.
+  void PaintNearest(int32_t y, ColumnRange run) const {
+    const Row r = RowOf(y);
+    PixelWord* out = rows_.Out(y);
+    constexpr int32_t kChunk = 256;
+    size_t at[kChunk];
+    const PixelWord* a = rows_.inputA;
+    const size_t w = static_cast<size_t>(rows_.width);
+    for (int32_t x0 = run.begin; x0 < run.end; x0 += kChunk) {
+      const int32_t n = std::min(kChunk, run.end - x0);
+      for (int32_t i = 0; i < n; ++i) {
+        const auto column = static_cast<size_t>(static_cast<int32_t>(U(x0 + i, r)));
+        at[i] = static_cast<size_t>(static_cast<int32_t>(V(x0 + i, r))) * w + column;
+      }
+      for (int32_t i = 0; i < n; ++i) out[x0 + i] = a[at[i]];
+    }
+  }
+
+  // edge(B, bilinear sample of A, e), the sample taken only where it shows.
+  void PaintSoft(int32_t y, ColumnRange run) const {
+    const Row r = RowOf(y);
+    PixelWord* out = rows_.Out(y);
+    const PixelWord* b = rows_.B(y);
+    const double w = rows_.width, h = rows_.height;
+    for (int32_t x = run.begin; x < run.end; ++x) {
+      const double u = U(x, r), v = V(x, r);
+      const double e = std::min(std::min(u, w - u), std::min(v, h - v)) * g_;
+      out[x] = SoftEdge(b[x], [&] { return Bilinear(u, v); }, e);
+    }
+  }
+
+  // The bilinear sample of A; where its four pixels all lie inside the frame
+  // no read needs holding, and the bytes are weighed two pairs at a time.
+  uint32_t Bilinear(double u, double v) const {
+    const double us = u - 0.5, vs = v - 0.5;
+    if (!(us >= 0 && us < rows_.width - 1 && vs >= 0 && vs < rows_.height - 1)) return a_.Bilinear(u, v);
+    const int32_t c = static_cast<int32_t>(us), row = static_cast<int32_t>(vs);
+    const auto fx = static_cast<uint64_t>(static_cast<int32_t>((us - c) * 256.0 + 0.5));
+    const auto fy = static_cast<uint64_t>(static_cast<int32_t>((vs - row) * 256.0 + 0.5));
+    const PixelWord* p0 = rows_.A(row) + c;
+    const PixelWord* p1 = p0 + rows_.width;
+    // Bytes 0, 2, 1, 3 in 16-bit lanes: a weighed pair of bytes stays below 2^16.
+    auto spread = [](uint32_t p) { return (p & 0x00FF00FFull) | (static_cast<uint64_t>(p & 0xFF00FF00u) << 24); };
+    const uint64_t q0 = spread(p0[0]) * (256 - fx) + spread(p0[1]) * fx;
+    const uint64_t q1 = spread(p1[0]) * (256 - fx) + spread(p1[1]) * fx;
+    // Then bytes 0 and 1, and 2 and 3, in 32-bit lanes.
+    constexpr uint64_t kLanes = 0x0000FFFF0000FFFFull, kHalf = 0x0000800000008000ull, kByte = 0x000000FF000000FFull;
+    const uint64_t low = (((q0 & kLanes) * (256 - fy) + (q1 & kLanes) * fy + kHalf) >> 16) & kByte;
+    const uint64_t high = ((((q0 >> 16) & kLanes) * (256 - fy) + ((q1 >> 16) & kLanes) * fy + kHalf) >> 16) & kByte;
+    return static_cast<uint32_t>((low & 0xFF) | ((low >> 32) << 8) | ((high & 0xFF) << 16) | ((high >> 32) << 24));
+  }
+
+  double X(int32_t x) const { return (x + 0.5) - cx_; }
+  double U(int32_t x, const Row& r) const { return cx_ + (X(x) * k1_ - r.yk2); }
+  double V(int32_t x, const Row& r) const { return cy_ + (X(x) * k2_ + r.yk1); }
+
+  const FrameRows& rows_;
+  ClampedFrame a_;
+  double g_, k1_, k2_, cx_, cy_;
+  bool antiAlias_;
+};
+
+int32_t SpiralRender(t_KrRenderInfo* ri) {
+  if (!BeginRender(ri, clip.transType)) return 0;
+  const HostCalls host(ri);
+  const bool counterClockwise = host.Field(direction) == 1;
+  const int32_t turns = host.Field(turnsField);
+  const bool antiAlias = host.Field(antiAliasing) != 0;
+  if (ri->Width <= 0 || ri->Height <= 0 || DrawEnds(ri)) return 1;
+
+  const double p = ri->Progress;
+  const double theta = ((p * turns) * 2) * kPi;
+  const FrameRows rows = FrameRows::Of(ri);
+  const TurnedA turned(rows, counterClockwise ? -theta : theta, 1 - p, antiAlias);
+  turned.Paint();
+  return 1;
+}
+
+}  // namespace
+}  // namespace krl
+
+KR_TRANSITION(Spiral, kTexts, kFields)
+KR_TEST_PROFILE("Spiral", .heavier = {"Turns=4", "Anti-Aliasing=on"})
