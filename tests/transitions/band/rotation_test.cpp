@@ -40,7 +40,9 @@ TEST(Rotation, TurnsAAwayFromItsHinge) {
     EXPECT_EQ(RowRuns(out, 99), c.row99) << c.what;
     if (c.progress > 0.0 && c.progress < 1.0) {  // B does not move
       for (int32_t x = 0; x < 100; ++x) {
-        if (SourceOf(out.At(x, 29)) == 'B') ASSERT_EQ(out.At(x, 29), Code(kTagB, x, 29)) << c.what;
+        if (SourceOf(out.At(x, 29)) == 'B') {
+          ASSERT_EQ(out.At(x, 29), Code(kTagB, x, 29)) << c.what;
+        }
       }
     }
   }
