@@ -29,8 +29,11 @@
   X(IrisSquared)                              \
   X(IrisStar)                                 \
   X(Mosaic)                                   \
+  X(Origami) /* "Origami Unfold" */           \
+  X(Peel)                                     \
   X(Push)                                     \
   X(RandomDissolve)                           \
+  X(Roll)                                     \
   X(Rotation)                                 \
   X(Shredder)                                 \
   X(Slide)                                    \
