@@ -1,0 +1,186 @@
+// Peel: A is a sheet lying on B, peeled off from a corner. The fold line runs
+// across the frame's diagonal; at the fold the sheet curls round a cylinder of
+// radius R (up, over the top, then back flat with its back upward). From the
+// start corner one sees B (with a soft shadow near the curl), the curl's rim
+// and top, the flat flap showing the back, and the unpeeled A.
+#include <algorithm>
+#include <cmath>
+
+#include "host/render_prologue.h"
+#include "host/transition.h"
+#include "raster/clamped_frame.h"
+#include "raster/exact_trig.h"
+#include "raster/frame.h"
+#include "raster/numeric.h"
+#include "raster/pixel_mix.h"
+#include "raster/pixel_rows.h"
+#include "raster/scratch.h"
+#include "transitions/threed/sheet_shade.h"
+
+namespace krl {
+namespace {
+
+constexpr EffectTexts kTexts{.menuPath = "Transitions/3D/Peel", .signature = "Peel (Kr plug-in SDK transition)",
+                             .displayName = "Peel", .description = "Peels Va like a sheet and shows Vb."};
+
+ClipFields clip;
+FieldIndex corner, color, transparent, shadow, antiAlias;
+
+constexpr auto kFields = FieldTable(clip,
+    Selector(&corner, "Corner", "Corner",
+             {{"Top Left", 0}, {"Top Right", 1}, {"Bottom Left", 2}, {"Bottom Right", 3}})
+        .Help("Specifies the starting point for the transition.")
+        .Default(3),
+    Color(&color, "Color", "Back Color").Help("Defines the color of the back of the sheet.").DefaultColor(224, 224, 224),
+    Bool(&transparent, "Transparent", "Transparent")
+        .HideCurve()
+        .Help("Shows Va mirrored and see-through on the back of the sheet.")
+        .Default(0),
+    Bool(&shadow, "Shadow", "Shadow").Help("Casts a soft shadow of the curl onto Vb.").Default(1),
+    Bool(&antiAlias, "IsAntiAlias", "Anti-Aliasing").Help("This option offers an improvement of quality.").Default(0));
+
+// The weight of shade(P, 1), which keeps P.
+constexpr uint32_t kUnshaded = 256;
+
+struct Settings {
+  int32_t corner;
+  uint32_t back;
+  bool transparent, shadow, antiAlias;
+};
+
+// mix(P, Q, f), with the two ends of an edge without anti-aliasing taken at once.
+uint32_t Over(uint32_t p, uint32_t q, double f) {
+  if (f == 0) return p;
+  if (f == 1) return q;
+  return Mix(p, q, f);
+}
+
+class Sheet {
+ public:
+  Sheet(const Settings& s, const FrameRows& f, double p)
+      : s_(s), a_{f.inputA, f.width, f.height}, w_(f.width), h_(f.height) {
+    // Start corner K0 and opposite corner K1; a corner beyond 2 is Bottom Right.
+    const double w = w_, h = h_;
+    double k0x = w, k0y = 0, k1x = 0, k1y = h;
+    if (s.corner == 0) k0x = 0, k0y = h, k1x = w, k1y = 0;
+    if (s.corner == 1) k0x = w, k0y = h, k1x = 0, k1y = 0;
+    if (s.corner == 2) k0x = 0, k0y = 0, k1x = w, k1y = h;
+    const double d = std::sqrt(w * w + h * h);
+    nx_ = (k0x - k1x) / d;
+    ny_ = (k0y - k1y) / d;
+    r_ = d / 16;
+    piR_ = kPi * r_;
+    const double s0 = k0x * nx_ + k0y * ny_;
+    f_ = s0 - p * ((d + r_) + 1);
+  }
+
+  double Nx() const { return nx_; }
+  double Ny() const { return ny_; }
+  double Fold() const { return f_; }
+
+  // The pixel at centre (vx, vy), delta from the fold line, over A (col) and B beneath.
+  uint32_t Pixel(double vx, double vy, double delta, uint32_t pixelA, uint32_t pixelB) const {
+    if (delta <= 0) {  // the sheet still lies here; the flat flap may lie over it
+      return Top(pixelA, vx, vy, delta, piR_ - delta, kUnshaded, 1);
+    }
+    uint32_t col = pixelB;
+    if (s_.shadow && Inside(vx, vy, 0, delta)) col = Shade(col, 0.5 + 0.5 * std::clamp((delta - r_) / r_, 0.0, 1.0));
+    const double rim = s_.antiAlias ? std::clamp((r_ - delta) + 0.5, 0.0, 1.0) : (delta < r_ ? 1.0 : 0.0);
+    // Beyond the curl band no layer gets any weight: mix with 0 keeps col.
+    if (MixWeight(rim) == 0) return col;
+    const double dc = std::min(delta, r_);
+    const double as = Asin(dc / r_);
+    const double h = 0.5 + 0.5 * std::sqrt(1 - (dc / r_) * (dc / r_));
+    const uint32_t shade = ShadeWeight(h);
+    // The lower curl, front side up, where the top curl has no material.
+    const double ml = r_ * as;
+    const double lowerCoverage = Coverage(vx, vy, ml, delta) * rim;
+    if (MixWeight(lowerCoverage) != 0) {
+      col = Over(col, ShadeWeighted(SampleA(vx, vy, ml, delta), shade), lowerCoverage);
+    }
+    return Top(col, vx, vy, delta, r_ * (kPi - as), shade, rim);
+  }
+
+ private:
+  // S(m): where the material at distance m from the fold came from.
+  double SourceX(double vx, double m, double delta) const { return vx + (m - delta) * nx_; }
+  double SourceY(double vy, double m, double delta) const { return vy + (m - delta) * ny_; }
+
+  bool Inside(double vx, double vy, double m, double delta) const {
+    const double sx = SourceX(vx, m, delta), sy = SourceY(vy, m, delta);
+    return 0 <= sx && sx < w_ && 0 <= sy && sy < h_;
+  }
+
+  double Coverage(double vx, double vy, double m, double delta) const {
+    if (!s_.antiAlias) return Inside(vx, vy, m, delta) ? 1 : 0;
+    const double sx = SourceX(vx, m, delta), sy = SourceY(vy, m, delta);
+    return std::clamp(std::min(std::min(sx, w_ - sx), std::min(sy, h_ - sy)) + 0.5, 0.0, 1.0);
+  }
+
+  uint32_t SampleA(double vx, double vy, double m, double delta) const {
+    return a_.Nearest(SourceX(vx, m, delta), SourceY(vy, m, delta));
+  }
+
+  // The top layer (material mt, shade weight, coverage factor) over col.
+  uint32_t Top(uint32_t col, double vx, double vy, double delta, double mt, uint32_t shade, double rim) const {
+    const double coverage = Coverage(vx, vy, mt, delta) * rim;
+    if (coverage == 0) return col;
+    const uint32_t top = s_.transparent
+                             ? MixWeighted(col, ShadeWeighted(SampleA(vx, vy, mt, delta), shade), 128)
+                             : ShadeWeighted(s_.back, shade);
+    return Over(col, top, coverage);
+  }
+
+  Settings s_;
+  ClampedFrame a_;
+  int32_t w_, h_;
+  double nx_ = 0, ny_ = 0, r_ = 0, piR_ = 0, f_ = 0;
+};
+
+int32_t PeelRender(t_KrRenderInfo* ri) {
+  if (!BeginRender(ri, clip.transType)) return 0;
+  const HostCalls host(ri);
+  Settings s{};
+  s.corner = host.Field(corner);
+  s.back = host.PenColor(color);
+  s.transparent = host.Field(transparent) != 0;
+  s.shadow = host.Field(shadow) != 0;
+  s.antiAlias = host.Field(antiAlias) != 0;
+  if (ri->Width <= 0 || ri->Height <= 0) return 1;
+  const double p = ri->Progress;
+  if (!(p > 0)) {  // a NaN Progress shows A, as the start does
+    CopyPixels(ri->Output, ri->InputA, 0, FramePixelCount(ri));
+    return 1;
+  }
+  if (p >= 1) {
+    CopyPixels(ri->Output, ri->InputB, 0, FramePixelCount(ri));
+    return 1;
+  }
+  const FrameRows f = FrameRows::Of(ri);
+  const Sheet sheet(s, f, p);
+  // delta = ((vx nx) + (vy ny)) - F: the first product per column, the second per row.
+  Scratch<double> along = AllocateScratch<double>(static_cast<size_t>(f.width));
+  if (!along) {  // no memory for the column table: the frame shows A
+    CopyPixels(ri->Output, ri->InputA, 0, FramePixelCount(ri));
+    return 1;
+  }
+  for (int32_t x = 0; x < f.width; ++x) along[x] = (x + 0.5) * sheet.Nx();
+  for (int32_t y = 0; y < f.height; ++y) {
+    const double vy = y + 0.5;
+    const double across = vy * sheet.Ny();
+    const PixelWord* rowA = f.A(y);
+    const PixelWord* rowB = f.B(y);
+    PixelWord* out = f.Out(y);
+    for (int32_t x = 0; x < f.width; ++x) {
+      const double delta = (along[x] + across) - sheet.Fold();
+      out[x] = sheet.Pixel(x + 0.5, vy, delta, rowA[x], rowB[x]);
+    }
+  }
+  return 1;
+}
+
+}  // namespace
+}  // namespace krl
+
+KR_TRANSITION(Peel, kTexts, kFields)
+KR_TEST_PROFILE("Peel", .heavier = {"Transparent=on", "Shadow=on", "IsAntiAlias=on", "Corner=0"})
