@@ -72,6 +72,7 @@ class Sheet {
     piR_ = kPi * r_;
     const double s0 = k0x * nx_ + k0y * ny_;
     f_ = s0 - p * ((d + r_) + 1);
+    margin_ = 1e-9 * (d + 1024);
   }
 
   double Nx() const { return nx_; }
@@ -81,53 +82,89 @@ class Sheet {
   // The pixel at centre (vx, vy), delta from the fold line, over A (col) and B beneath.
   uint32_t Pixel(double vx, double vy, double delta, uint32_t pixelA, uint32_t pixelB) const {
     if (delta <= 0) {  // the sheet still lies here; the flat flap may lie over it
-      return Top(pixelA, vx, vy, delta, piR_ - delta, kUnshaded, 1);
+      return Top(pixelA, At(vx, vy, piR_ - delta, delta), kUnshaded, 1, nullptr);
     }
     uint32_t col = pixelB;
-    if (s_.shadow && Inside(vx, vy, 0, delta)) col = Shade(col, 0.5 + 0.5 * std::clamp((delta - r_) / r_, 0.0, 1.0));
+    if (s_.shadow && Inside(At(vx, vy, 0, delta))) {
+      col = Shade(col, 0.5 + 0.5 * std::clamp((delta - r_) / r_, 0.0, 1.0));
+    }
     const double rim = s_.antiAlias ? std::clamp((r_ - delta) + 0.5, 0.0, 1.0) : (delta < r_ ? 1.0 : 0.0);
     // Beyond the curl band no layer gets any weight: mix with 0 keeps col.
     if (MixWeight(rim) == 0) return col;
     const double dc = std::min(delta, r_);
-    const double as = Asin(dc / r_);
-    const double h = 0.5 + 0.5 * std::sqrt(1 - (dc / r_) * (dc / r_));
-    const uint32_t shade = ShadeWeight(h);
-    // The lower curl, front side up, where the top curl has no material.
-    const double ml = r_ * as;
-    const double lowerCoverage = Coverage(vx, vy, ml, delta) * rim;
-    if (MixWeight(lowerCoverage) != 0) {
-      col = Over(col, ShadeWeighted(SampleA(vx, vy, ml, delta), shade), lowerCoverage);
-    }
-    return Top(col, vx, vy, delta, r_ * (kPi - as), shade, rim);
+    const double q = dc / r_;
+    const uint32_t shade = ShadeWeight(0.5 + 0.5 * std::sqrt(1 - q * q));
+    // The double arc sine lies within an ulp or two of the exact one, which
+    // moves S(m) by far less than the margin: unless a floor or a weight of
+    // the result lies within the margin of its step, both give this pixel.
+    Watch watch(margin_);
+    const uint32_t quick = Curl(col, vx, vy, delta, std::asin(q), shade, rim, &watch);
+    return watch.Close() ? Curl(col, vx, vy, delta, Asin(q), shade, rim, nullptr) : quick;
   }
 
  private:
+  struct Point {
+    double x, y;
+  };
+
+  // Notes a value whose floor, or whose comparison with a whole number,
+  // decides the pixel when it lies within the margin of a whole number.
+  class Watch {
+   public:
+    explicit Watch(double margin) : margin_(margin) {}
+    void Whole(double v) {
+      if (!(std::abs(v) < 1e9)) {
+        close_ = true;
+        return;
+      }
+      const double d = std::abs(v - static_cast<double>(static_cast<int64_t>(v)));
+      if (d < margin_ || d > 1 - margin_) close_ = true;
+    }
+    bool Close() const { return close_; }
+
+   private:
+    double margin_;
+    bool close_ = false;
+  };
+
   // S(m): where the material at distance m from the fold came from.
-  double SourceX(double vx, double m, double delta) const { return vx + (m - delta) * nx_; }
-  double SourceY(double vy, double m, double delta) const { return vy + (m - delta) * ny_; }
-
-  bool Inside(double vx, double vy, double m, double delta) const {
-    const double sx = SourceX(vx, m, delta), sy = SourceY(vy, m, delta);
-    return 0 <= sx && sx < w_ && 0 <= sy && sy < h_;
+  Point At(double vx, double vy, double m, double delta) const {
+    return {vx + (m - delta) * nx_, vy + (m - delta) * ny_};
   }
 
-  double Coverage(double vx, double vy, double m, double delta) const {
-    if (!s_.antiAlias) return Inside(vx, vy, m, delta) ? 1 : 0;
-    const double sx = SourceX(vx, m, delta), sy = SourceY(vy, m, delta);
-    return std::clamp(std::min(std::min(sx, w_ - sx), std::min(sy, h_ - sy)) + 0.5, 0.0, 1.0);
+  bool Inside(Point s) const { return 0 <= s.x && s.x < w_ && 0 <= s.y && s.y < h_; }
+
+  double Coverage(Point s) const {
+    if (!s_.antiAlias) return Inside(s) ? 1 : 0;
+    return std::clamp(std::min(std::min(s.x, w_ - s.x), std::min(s.y, h_ - s.y)) + 0.5, 0.0, 1.0);
   }
 
-  uint32_t SampleA(double vx, double vy, double m, double delta) const {
-    return a_.Nearest(SourceX(vx, m, delta), SourceY(vy, m, delta));
+  // The coverage of the material at s, times `rim`, watched when asked.
+  double Covered(Point s, double rim, Watch* watch) const {
+    const double coverage = Coverage(s) * rim;
+    if (watch) {
+      watch->Whole(s.x);
+      watch->Whole(s.y);
+      watch->Whole(coverage * 256 + 0.5);
+    }
+    return coverage;
   }
 
-  // The top layer (material mt, shade weight, coverage factor) over col.
-  uint32_t Top(uint32_t col, double vx, double vy, double delta, double mt, uint32_t shade, double rim) const {
-    const double coverage = Coverage(vx, vy, mt, delta) * rim;
+  // The curl at arc angle `as`: the lower curl, front side up, where the top curl has no material; then the top.
+  uint32_t Curl(uint32_t col, double vx, double vy, double delta, double as, uint32_t shade, double rim,
+                Watch* watch) const {
+    const Point lower = At(vx, vy, r_ * as, delta);
+    const double lowerCoverage = Covered(lower, rim, watch);
+    if (MixWeight(lowerCoverage) != 0) col = Over(col, ShadeWeighted(a_.Nearest(lower.x, lower.y), shade), lowerCoverage);
+    return Top(col, At(vx, vy, r_ * (kPi - as), delta), shade, rim, watch);
+  }
+
+  // The top layer (material at s, shade weight, coverage factor) over col.
+  uint32_t Top(uint32_t col, Point s, uint32_t shade, double rim, Watch* watch) const {
+    const double coverage = Covered(s, rim, watch);
     if (coverage == 0) return col;
-    const uint32_t top = s_.transparent
-                             ? MixWeighted(col, ShadeWeighted(SampleA(vx, vy, mt, delta), shade), 128)
-                             : ShadeWeighted(s_.back, shade);
+    const uint32_t top = s_.transparent ? MixWeighted(col, ShadeWeighted(a_.Nearest(s.x, s.y), shade), 128)
+                                        : ShadeWeighted(s_.back, shade);
     return Over(col, top, coverage);
   }
 
@@ -135,6 +172,7 @@ class Sheet {
   ClampedFrame a_;
   int32_t w_, h_;
   double nx_ = 0, ny_ = 0, r_ = 0, piR_ = 0, f_ = 0;
+  double margin_ = 0;  // far beyond what an ulp of the arc sine moves, far below a pixel
 };
 
 int32_t PeelRender(t_KrRenderInfo* ri) {
