@@ -63,6 +63,15 @@ struct Paper {
 
   // Where edge(P, Q, r) gives P whatever Q is.
   bool OnlyBeneath(double r) const { return antiAlias ? r <= -0.5 : r < 0; }
+
+  // edge(beneath, flap, e), the flap read only where it shows; flapAt() gives
+  // the flap's front (unshaded) where that faces the viewer.
+  template <typename FlapAt>
+  uint32_t OverFlap(uint32_t beneath, double e, FlapAt flapAt) const {
+    if (OnlyBeneath(e)) return beneath;
+    const uint32_t flap = front ? ShadeWeighted(flapAt(), shade) : shadedBack;
+    return !antiAlias || e >= 0.5 ? flap : Edge(beneath, flap, e, antiAlias);  // from 0.5 on the flap covers it all
+  }
 };
 
 // Phase 0: the packet, the back colour, grows out of the centre.
@@ -148,12 +157,7 @@ void DrawSideFlaps(const Paper& k) {
       }
       const double y3 = k.cy + fromCentre * c.ratio;  // the point's height on the flap
       const double e = std::min(y3 - k.yb, k.yt - y3) * c.scale;
-      if (k.OnlyBeneath(e)) {
-        out[x] = beneath[x];
-      } else {
-        const uint32_t flap = k.front ? ShadeWeighted(k.b.At(c.source, FloorToInt32(y3)), k.shade) : k.shadedBack;
-        out[x] = Edge(beneath[x], flap, e, k.antiAlias);
-      }
+      out[x] = k.OverFlap(beneath[x], e, [&] { return k.b.At(c.source, FloorToInt32(y3)); });
       ++x;
     }
   }
@@ -180,16 +184,12 @@ void DrawEndFlaps(const Paper& k) {
     }
     const double dz = k.dc + rho * k.si;
     const double scale = k.dc / dz, ratio = dz / k.dc;
-    const int32_t source = FloorToInt32(top ? k.yt + rho : k.h - (k.yt + rho));
+    // B's row floor(mr), held to the frame.
+    const PixelWord* source = f.B(ClampedFrame::Clamp(FloorToInt32(top ? k.yt + rho : k.h - (k.yt + rho)), f.height - 1));
     for (int32_t x = 0; x < f.width; ++x) {
       const double x3 = k.cx + ((x + 0.5) - k.cx) * ratio;
       const double e = std::min(x3, k.w - x3) * scale;
-      if (k.OnlyBeneath(e)) {
-        out[x] = rowA[x];
-      } else {
-        const uint32_t flap = k.front ? ShadeWeighted(k.b.At(FloorToInt32(x3), source), k.shade) : k.shadedBack;
-        out[x] = Edge(rowA[x], flap, e, k.antiAlias);
-      }
+      out[x] = k.OverFlap(rowA[x], e, [&] { return source[ClampedFrame::Clamp(FloorToInt32(x3), f.width - 1)]; });
     }
   }
 }
