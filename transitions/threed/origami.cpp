@@ -34,7 +34,6 @@ constexpr auto kFields = FieldTable(clip,
 // The frame's constants, the flap angle of the current phase and how it is lit.
 struct Paper {
   FrameRows rows;
-  ClampedFrame b;
   bool antiAlias;
   double w, h, cx, cy, dc, xl, yb, yt, fw, fh;
   double co = 0, si = 1;
@@ -43,7 +42,7 @@ struct Paper {
   uint32_t shadedBack = 0;  // shade(back colour, hf)
 
   Paper(const FrameRows& f, bool aa)
-      : rows(f), b{f.inputB, f.width, f.height}, antiAlias(aa), w(f.width), h(f.height) {
+      : rows(f), antiAlias(aa), w(f.width), h(f.height) {
     cx = w * 0.5;
     cy = h * 0.5;
     dc = 2 * std::max(w, h);
@@ -108,7 +107,7 @@ struct FlapColumn {
   bool middle = false;  // xl <= xs < W - xl: B is revealed here in the band
   bool flap = false;
   double ratio = 0, scale = 0;  // dz / Dc and Dc / dz
-  int32_t source = 0;           // B's column floor(mc)
+  int32_t source = 0;           // B's column floor(mc), held to the frame
 };
 
 // Phase 1: the side flaps swing open about their hinges at W/4 and 3W/4.
@@ -133,7 +132,7 @@ void DrawSideFlaps(const Paper& k) {
         c.flap = true;
         c.scale = k.dc / dz;
         c.ratio = dz / k.dc;
-        c.source = FloorToInt32(right ? k.w - (k.xl - rho) : k.xl - rho);
+        c.source = ClampedFrame::Clamp(FloorToInt32(right ? k.w - (k.xl - rho) : k.xl - rho), f.width - 1);
       }
     }
     columns[x] = c;
@@ -157,7 +156,7 @@ void DrawSideFlaps(const Paper& k) {
       }
       const double y3 = k.cy + fromCentre * c.ratio;  // the point's height on the flap
       const double e = std::min(y3 - k.yb, k.yt - y3) * c.scale;
-      out[x] = k.OverFlap(beneath[x], e, [&] { return k.b.At(c.source, FloorToInt32(y3)); });
+      out[x] = k.OverFlap(beneath[x], e, [&] { return f.B(ClampedFrame::Clamp(FloorToInt32(y3), f.height - 1))[c.source]; });
       ++x;
     }
   }
