@@ -72,12 +72,23 @@ class Sheet {
     piR_ = kPi * r_;
     const double s0 = k0x * nx_ + k0y * ny_;
     f_ = s0 - p * ((d + r_) + 1);
+    clearOfFlap_ = f_ + piR_ - s0 - 2;
     margin_ = 1e-9 * (d + 1024);
   }
 
   double Nx() const { return nx_; }
   double Ny() const { return ny_; }
   double Fold() const { return f_; }
+
+  // What a pixel at distance delta from the fold surely shows, whatever the
+  // rest: A where even the flap's material would lie beyond the start corner
+  // (S(m).n = F + pi R - delta exceeds the frame's reach s0 by more than a
+  // pixel), B from 2R + 1 on (past the curl and its shadow).
+  enum class Sure { A, Either, B };
+  Sure Surely(double delta) const {
+    if (delta < clearOfFlap_) return Sure::A;
+    return delta >= 2 * r_ + 1 ? Sure::B : Sure::Either;
+  }
 
   // The pixel at centre (vx, vy), delta from the fold line, over A (col) and B beneath.
   uint32_t Pixel(double vx, double vy, double delta, uint32_t pixelA, uint32_t pixelB) const {
@@ -172,8 +183,25 @@ class Sheet {
   ClampedFrame a_;
   int32_t w_, h_;
   double nx_ = 0, ny_ = 0, r_ = 0, piR_ = 0, f_ = 0;
+  double clearOfFlap_ = 0;
   double margin_ = 0;  // far beyond what an ulp of the arc sine moves, far below a pixel
 };
+
+// The first column x in [0, count) with reached(x), for reached false up to
+// some column and true from there on; count when there is none.
+template <typename Reached>
+int32_t FirstColumn(int32_t count, Reached reached) {
+  int32_t lo = 0, hi = count;
+  while (lo < hi) {
+    const int32_t mid = lo + (hi - lo) / 2;
+    if (reached(mid)) {
+      hi = mid;
+    } else {
+      lo = mid + 1;
+    }
+  }
+  return lo;
+}
 
 int32_t PeelRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, clip.transType)) return 0;
@@ -203,16 +231,25 @@ int32_t PeelRender(t_KrRenderInfo* ri) {
     return 1;
   }
   for (int32_t x = 0; x < f.width; ++x) along[x] = (x + 0.5) * sheet.Nx();
+  // delta is monotone along a row (nx is never 0), so the pixels it surely
+  // decides form a run at each end.
+  const bool rising = sheet.Nx() > 0;
   for (int32_t y = 0; y < f.height; ++y) {
     const double vy = y + 0.5;
     const double across = vy * sheet.Ny();
     const PixelWord* rowA = f.A(y);
     const PixelWord* rowB = f.B(y);
     PixelWord* out = f.Out(y);
-    for (int32_t x = 0; x < f.width; ++x) {
-      const double delta = (along[x] + across) - sheet.Fold();
-      out[x] = sheet.Pixel(x + 0.5, vy, delta, rowA[x], rowB[x]);
-    }
+    auto delta = [&](int32_t x) { return (along[x] + across) - sheet.Fold(); };
+    auto rank = [&](int32_t x) {  // rises along the row
+      const Sheet::Sure sure = sheet.Surely(delta(x));
+      return rising ? static_cast<int>(sure) : 2 - static_cast<int>(sure);
+    };
+    const int32_t begin = FirstColumn(f.width, [&](int32_t x) { return rank(x) >= 1; });
+    const int32_t end = FirstColumn(f.width, [&](int32_t x) { return rank(x) >= 2; });
+    CopyRun(out, rising ? rowA : rowB, begin);
+    for (int32_t x = begin; x < end; ++x) out[x] = sheet.Pixel(x + 0.5, vy, delta(x), rowA[x], rowB[x]);
+    CopyRun(out + end, (rising ? rowB : rowA) + end, f.width - end);
   }
   return 1;
 }
