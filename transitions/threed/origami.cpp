@@ -15,7 +15,7 @@
 #include "raster/numeric.h"
 #include "raster/pixel_rows.h"
 #include "raster/scratch.h"
-#include "transitions/threed/sheet_shade.h"
+#include "transitions/threed/sheet.h"
 
 namespace krl {
 namespace {
@@ -80,7 +80,7 @@ void DrawPacket(const Paper& k, double p, uint32_t back) {
   const double halfW = g * k.w * 0.25, halfH = g * k.h * 0.25;
   Scratch<double> across = AllocateScratch<double>(static_cast<size_t>(f.width));
   if (!across) {  // no memory for the column table: the frame shows A
-    for (int32_t y = 0; y < f.height; ++y) CopyRun(f.Out(y), f.A(y), f.width);
+    ShowA(f);
     return;
   }
   int32_t first = f.width, last = 0;  // the columns the packet may reach
@@ -115,7 +115,7 @@ void DrawSideFlaps(const Paper& k) {
   const FrameRows& f = k.rows;
   Scratch<FlapColumn> columns = AllocateScratch<FlapColumn>(static_cast<size_t>(f.width));
   if (!columns) {  // no memory for the column table: the frame shows A
-    for (int32_t y = 0; y < f.height; ++y) CopyRun(f.Out(y), f.A(y), f.width);
+    ShowA(f);
     return;
   }
   for (int32_t x = 0; x < f.width; ++x) {
@@ -198,16 +198,8 @@ int32_t OrigamiRender(t_KrRenderInfo* ri) {
   const HostCalls host(ri);
   const uint32_t back = host.PenColor(color);
   const bool aa = host.Field(antiAlias) != 0;
-  if (ri->Width <= 0 || ri->Height <= 0) return 1;
+  if (DrawsEnds(ri)) return 1;
   const double p = ri->Progress;
-  if (!(p > 0)) {  // a NaN Progress shows A, as the start does
-    CopyPixels(ri->Output, ri->InputA, 0, FramePixelCount(ri));
-    return 1;
-  }
-  if (p >= 1) {
-    CopyPixels(ri->Output, ri->InputB, 0, FramePixelCount(ri));
-    return 1;
-  }
   Paper k(FrameRows::Of(ri), aa);
   if (p < 0.2) {
     DrawPacket(k, p, back);

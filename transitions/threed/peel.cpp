@@ -15,7 +15,7 @@
 #include "raster/pixel_mix.h"
 #include "raster/pixel_rows.h"
 #include "raster/scratch.h"
-#include "transitions/threed/sheet_shade.h"
+#include "transitions/threed/sheet.h"
 
 namespace krl {
 namespace {
@@ -212,22 +212,14 @@ int32_t PeelRender(t_KrRenderInfo* ri) {
   s.transparent = host.Field(transparent) != 0;
   s.shadow = host.Field(shadow) != 0;
   s.antiAlias = host.Field(antiAlias) != 0;
-  if (ri->Width <= 0 || ri->Height <= 0) return 1;
+  if (DrawsEnds(ri)) return 1;
   const double p = ri->Progress;
-  if (!(p > 0)) {  // a NaN Progress shows A, as the start does
-    CopyPixels(ri->Output, ri->InputA, 0, FramePixelCount(ri));
-    return 1;
-  }
-  if (p >= 1) {
-    CopyPixels(ri->Output, ri->InputB, 0, FramePixelCount(ri));
-    return 1;
-  }
   const FrameRows f = FrameRows::Of(ri);
   const Sheet sheet(s, f, p);
   // delta = ((vx nx) + (vy ny)) - F: the first product per column, the second per row.
   Scratch<double> along = AllocateScratch<double>(static_cast<size_t>(f.width));
   if (!along) {  // no memory for the column table: the frame shows A
-    CopyPixels(ri->Output, ri->InputA, 0, FramePixelCount(ri));
+    ShowA(f);
     return 1;
   }
   for (int32_t x = 0; x < f.width; ++x) along[x] = (x + 0.5) * sheet.Nx();

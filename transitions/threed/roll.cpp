@@ -11,7 +11,7 @@
 #include "raster/numeric.h"
 #include "raster/pixel_rows.h"
 #include "raster/scratch.h"
-#include "transitions/threed/sheet_shade.h"
+#include "transitions/threed/sheet.h"
 
 namespace krl {
 namespace {
@@ -116,7 +116,7 @@ uint32_t Rolled(uint32_t col, const Span& s, SheetAt sheetAt, bool seeThrough) {
 void RenderAcrossColumns(const FrameRows& f, const RollGeometry& g, bool seeThrough) {
   Scratch<Span> spans = AllocateScratch<Span>(static_cast<size_t>(f.width));
   if (!spans) {  // no memory for the column table: the frame shows A
-    for (int32_t y = 0; y < f.height; ++y) CopyRun(f.Out(y), f.A(y), f.width);
+    ShowA(f);
     return;
   }
   for (int32_t x = 0; x < f.width; ++x) spans[x] = g.At(x);
@@ -162,16 +162,8 @@ int32_t RollRender(t_KrRenderInfo* ri) {
   const int32_t d = host.Field(direction);
   const Travel travel = d >= 1 && d <= 3 ? static_cast<Travel>(d) : Travel::LeftRight;
   const bool seeThrough = host.Field(transparent) != 0;
-  if (ri->Width <= 0 || ri->Height <= 0) return 1;
+  if (DrawsEnds(ri)) return 1;
   const double p = ri->Progress;
-  if (!(p > 0)) {  // a NaN Progress shows A, as the start does
-    CopyPixels(ri->Output, ri->InputA, 0, FramePixelCount(ri));
-    return 1;
-  }
-  if (p >= 1) {
-    CopyPixels(ri->Output, ri->InputB, 0, FramePixelCount(ri));
-    return 1;
-  }
   const FrameRows f = FrameRows::Of(ri);
   const RollGeometry g(travel, f.width, f.height, p);
   if (g.Horizontal()) {
