@@ -35,9 +35,12 @@
   X(IrisSquared)                              \
   X(IrisStar)                                 \
   X(Mosaic)                                   \
+  X(Origami) /* "Origami Unfold" */           \
+  X(Peel)                                     \
   X(PinWheel)                                 \
   X(Push)                                     \
   X(RandomDissolve)                           \
+  X(Roll)                                     \
   X(Rotation)                                 \
   X(Shredder)                                 \
   X(Slide)                                    \

@@ -1,0 +1,253 @@
+// Peel: A is a sheet lying on B, peeled off from a corner. The fold line runs
+// across the frame's diagonal; at the fold the sheet curls round a cylinder of
+// radius R (up, over the top, then back flat with its back upward). From the
+// start corner one sees B (with a soft shadow near the curl), the curl's rim
+// and top, the flat flap showing the back, and the unpeeled A.
+#include <algorithm>
+#include <cmath>
+
+#include "host/render_prologue.h"
+#include "host/transition.h"
+#include "raster/clamped_frame.h"
+#include "raster/exact_trig.h"
+#include "raster/frame.h"
+#include "raster/numeric.h"
+#include "raster/pixel_mix.h"
+#include "raster/pixel_rows.h"
+#include "raster/scratch.h"
+#include "transitions/threed/sheet.h"
+
+namespace krl {
+namespace {
+
+constexpr EffectTexts kTexts{.menuPath = "Transitions/3D/Peel", .signature = "Peel (Kr plug-in SDK transition)",
+                             .displayName = "Peel", .description = "Peels Va like a sheet and shows Vb."};
+
+ClipFields clip;
+FieldIndex corner, color, transparent, shadow, antiAlias;
+
+constexpr auto kFields = FieldTable(clip,
+    Selector(&corner, "Corner", "Corner",
+             {{"Top Left", 0}, {"Top Right", 1}, {"Bottom Left", 2}, {"Bottom Right", 3}})
+        .Help("Specifies the starting point for the transition.")
+        .Default(3),
+    Color(&color, "Color", "Back Color").Help("Defines the color of the back of the sheet.").DefaultColor(224, 224, 224),
+    Bool(&transparent, "Transparent", "Transparent")
+        .HideCurve()
+        .Help("Shows Va mirrored and see-through on the back of the sheet.")
+        .Default(0),
+    Bool(&shadow, "Shadow", "Shadow").Help("Casts a soft shadow of the curl onto Vb.").Default(1),
+    Bool(&antiAlias, "IsAntiAlias", "Anti-Aliasing").Help("This option offers an improvement of quality.").Default(0));
+
+// The weight of shade(P, 1), which keeps P.
+constexpr uint32_t kUnshaded = 256;
+
+struct Settings {
+  int32_t corner;
+  uint32_t back;
+  bool transparent, shadow, antiAlias;
+};
+
+// mix(P, Q, f), with the two ends of an edge without anti-aliasing taken at once.
+uint32_t Over(uint32_t p, uint32_t q, double f) {
+  if (f == 0) return p;
+  if (f == 1) return q;
+  return Mix(p, q, f);
+}
+
+class Sheet {
+ public:
+  Sheet(const Settings& s, const FrameRows& f, double p)
+      : s_(s), a_{f.inputA, f.width, f.height}, w_(f.width), h_(f.height) {
+    // Start corner K0 and opposite corner K1; a corner beyond 2 is Bottom Right.
+    const double w = w_, h = h_;
+    double k0x = w, k0y = 0, k1x = 0, k1y = h;
+    if (s.corner == 0) k0x = 0, k0y = h, k1x = w, k1y = 0;
+    if (s.corner == 1) k0x = w, k0y = h, k1x = 0, k1y = 0;
+    if (s.corner == 2) k0x = 0, k0y = 0, k1x = w, k1y = h;
+    const double d = std::sqrt(w * w + h * h);
+    nx_ = (k0x - k1x) / d;
+    ny_ = (k0y - k1y) / d;
+    r_ = d / 16;
+    piR_ = kPi * r_;
+    const double s0 = k0x * nx_ + k0y * ny_;
+    f_ = s0 - p * ((d + r_) + 1);
+    clearOfFlap_ = f_ + piR_ - s0 - 2;
+    margin_ = 1e-9 * (d + 1024);
+  }
+
+  double Nx() const { return nx_; }
+  double Ny() const { return ny_; }
+  double Fold() const { return f_; }
+
+  // What a pixel at distance delta from the fold surely shows, whatever the
+  // rest: A where even the flap's material would lie beyond the start corner
+  // (S(m).n = F + pi R - delta exceeds the frame's reach s0 by more than a
+  // pixel), B from 2R + 1 on (past the curl and its shadow).
+  enum class Sure { A, Either, B };
+  Sure Surely(double delta) const {
+    if (delta < clearOfFlap_) return Sure::A;
+    return delta >= 2 * r_ + 1 ? Sure::B : Sure::Either;
+  }
+
+  // The pixel at centre (vx, vy), delta from the fold line, over A (col) and B beneath.
+  uint32_t Pixel(double vx, double vy, double delta, uint32_t pixelA, uint32_t pixelB) const {
+    if (delta <= 0) {  // the sheet still lies here; the flat flap may lie over it
+      return Top(pixelA, At(vx, vy, piR_ - delta, delta), kUnshaded, 1, nullptr);
+    }
+    uint32_t col = pixelB;
+    if (s_.shadow && Inside(At(vx, vy, 0, delta))) {
+      col = Shade(col, 0.5 + 0.5 * std::clamp((delta - r_) / r_, 0.0, 1.0));
+    }
+    const double rim = s_.antiAlias ? std::clamp((r_ - delta) + 0.5, 0.0, 1.0) : (delta < r_ ? 1.0 : 0.0);
+    // Beyond the curl band no layer gets any weight: mix with 0 keeps col.
+    if (MixWeight(rim) == 0) return col;
+    const double dc = std::min(delta, r_);
+    const double q = dc / r_;
+    const uint32_t shade = ShadeWeight(0.5 + 0.5 * std::sqrt(1 - q * q));
+    // The double arc sine lies within an ulp or two of the exact one, which
+    // moves S(m) by far less than the margin: unless a floor or a weight of
+    // the result lies within the margin of its step, both give this pixel.
+    Watch watch(margin_);
+    const uint32_t quick = Curl(col, vx, vy, delta, std::asin(q), shade, rim, &watch);
+    return watch.Close() ? Curl(col, vx, vy, delta, Asin(q), shade, rim, nullptr) : quick;
+  }
+
+ private:
+  struct Point {
+    double x, y;
+  };
+
+  // Notes a value whose floor, or whose comparison with a whole number,
+  // decides the pixel when it lies within the margin of a whole number.
+  class Watch {
+   public:
+    explicit Watch(double margin) : margin_(margin) {}
+    void Whole(double v) {
+      if (!(std::abs(v) < 1e9)) {
+        close_ = true;
+        return;
+      }
+      const double d = std::abs(v - static_cast<double>(static_cast<int64_t>(v)));
+      if (d < margin_ || d > 1 - margin_) close_ = true;
+    }
+    bool Close() const { return close_; }
+
+   private:
+    double margin_;
+    bool close_ = false;
+  };
+
+  // S(m): where the material at distance m from the fold came from.
+  Point At(double vx, double vy, double m, double delta) const {
+    return {vx + (m - delta) * nx_, vy + (m - delta) * ny_};
+  }
+
+  bool Inside(Point s) const { return 0 <= s.x && s.x < w_ && 0 <= s.y && s.y < h_; }
+
+  double Coverage(Point s) const {
+    if (!s_.antiAlias) return Inside(s) ? 1 : 0;
+    return std::clamp(std::min(std::min(s.x, w_ - s.x), std::min(s.y, h_ - s.y)) + 0.5, 0.0, 1.0);
+  }
+
+  // The coverage of the material at s, times `rim`, watched when asked.
+  double Covered(Point s, double rim, Watch* watch) const {
+    const double coverage = Coverage(s) * rim;
+    if (watch) {
+      watch->Whole(s.x);
+      watch->Whole(s.y);
+      watch->Whole(coverage * 256 + 0.5);
+    }
+    return coverage;
+  }
+
+  // The curl at arc angle `as`: the lower curl, front side up, where the top curl has no material; then the top.
+  uint32_t Curl(uint32_t col, double vx, double vy, double delta, double as, uint32_t shade, double rim,
+                Watch* watch) const {
+    const Point lower = At(vx, vy, r_ * as, delta);
+    const double lowerCoverage = Covered(lower, rim, watch);
+    if (MixWeight(lowerCoverage) != 0) col = Over(col, ShadeWeighted(a_.Nearest(lower.x, lower.y), shade), lowerCoverage);
+    return Top(col, At(vx, vy, r_ * (kPi - as), delta), shade, rim, watch);
+  }
+
+  // The top layer (material at s, shade weight, coverage factor) over col.
+  uint32_t Top(uint32_t col, Point s, uint32_t shade, double rim, Watch* watch) const {
+    const double coverage = Covered(s, rim, watch);
+    if (coverage == 0) return col;
+    const uint32_t top = s_.transparent ? MixWeighted(col, ShadeWeighted(a_.Nearest(s.x, s.y), shade), 128)
+                                        : ShadeWeighted(s_.back, shade);
+    return Over(col, top, coverage);
+  }
+
+  Settings s_;
+  ClampedFrame a_;
+  int32_t w_, h_;
+  double nx_ = 0, ny_ = 0, r_ = 0, piR_ = 0, f_ = 0;
+  double clearOfFlap_ = 0;
+  double margin_ = 0;  // far beyond what an ulp of the arc sine moves, far below a pixel
+};
+
+// The first column x in [0, count) with reached(x), for reached false up to
+// some column and true from there on; count when there is none.
+template <typename Reached>
+int32_t FirstColumn(int32_t count, Reached reached) {
+  int32_t lo = 0, hi = count;
+  while (lo < hi) {
+    const int32_t mid = lo + (hi - lo) / 2;
+    if (reached(mid)) {
+      hi = mid;
+    } else {
+      lo = mid + 1;
+    }
+  }
+  return lo;
+}
+
+int32_t PeelRender(t_KrRenderInfo* ri) {
+  if (!BeginRender(ri, clip.transType)) return 0;
+  const HostCalls host(ri);
+  Settings s{};
+  s.corner = host.Field(corner);
+  s.back = host.PenColor(color);
+  s.transparent = host.Field(transparent) != 0;
+  s.shadow = host.Field(shadow) != 0;
+  s.antiAlias = host.Field(antiAlias) != 0;
+  if (DrawsEnds(ri)) return 1;
+  const double p = ri->Progress;
+  const FrameRows f = FrameRows::Of(ri);
+  const Sheet sheet(s, f, p);
+  // delta = ((vx nx) + (vy ny)) - F: the first product per column, the second per row.
+  Scratch<double> along = AllocateScratch<double>(static_cast<size_t>(f.width));
+  if (!along) {  // no memory for the column table: the frame shows A
+    ShowA(f);
+    return 1;
+  }
+  for (int32_t x = 0; x < f.width; ++x) along[x] = (x + 0.5) * sheet.Nx();
+  // delta is monotone along a row (nx is never 0), so the pixels it surely
+  // decides form a run at each end.
+  const bool rising = sheet.Nx() > 0;
+  for (int32_t y = 0; y < f.height; ++y) {
+    const double vy = y + 0.5;
+    const double across = vy * sheet.Ny();
+    const PixelWord* rowA = f.A(y);
+    const PixelWord* rowB = f.B(y);
+    PixelWord* out = f.Out(y);
+    auto delta = [&](int32_t x) { return (along[x] + across) - sheet.Fold(); };
+    auto rank = [&](int32_t x) {  // rises along the row
+      const Sheet::Sure sure = sheet.Surely(delta(x));
+      return rising ? static_cast<int>(sure) : 2 - static_cast<int>(sure);
+    };
+    const int32_t begin = FirstColumn(f.width, [&](int32_t x) { return rank(x) >= 1; });
+    const int32_t end = FirstColumn(f.width, [&](int32_t x) { return rank(x) >= 2; });
+    CopyRun(out, rising ? rowA : rowB, begin);
+    for (int32_t x = begin; x < end; ++x) out[x] = sheet.Pixel(x + 0.5, vy, delta(x), rowA[x], rowB[x]);
+    CopyRun(out + end, (rising ? rowB : rowA) + end, f.width - end);
+  }
+  return 1;
+}
+
+}  // namespace
+}  // namespace krl
+
+KR_TRANSITION(Peel, kTexts, kFields)
+KR_TEST_PROFILE("Peel", .heavier = {"Transparent=on", "Shadow=on", "IsAntiAlias=on", "Corner=0"})
