@@ -134,6 +134,12 @@ constexpr FieldSpec FloatA(FieldIndex* index, const char* key, const char* label
 constexpr FieldSpec Bool(FieldIndex* index, const char* key, const char* label) {
   return MakeField(index, FieldKind::Bool, key, label);
 }
+
+// The anti-aliasing switch of the geometric transitions: the pen-grid and
+// band families name it "Anti-Aliasing", the 3D family "IsAntiAlias".
+constexpr FieldSpec AntiAliasingField(FieldIndex* index, const char* key = "Anti-Aliasing") {
+  return Bool(index, key, "Anti-Aliasing").Help("This option offers an improvement of quality.").Default(0);
+}
 constexpr FieldSpec Color(FieldIndex* index, const char* key, const char* label) {
   return MakeField(index, FieldKind::RGBcolor, key, label);
 }

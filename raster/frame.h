@@ -30,4 +30,16 @@ inline void FillPixels(uint8_t* to, size_t count, uint32_t pixel) {
   for (size_t i = 0; i < count; ++i) std::memcpy(to + 4 * i, &pixel, 4);
 }
 
+// For the transitions whose first and last frames are exactly A and B: true
+// when the frame needs nothing drawn in between. An empty frame is left as it
+// is; at Progress 0 or below A is copied whole, at 1 or above B; a NaN
+// Progress fails both comparisons and shows A, as the start does.
+inline bool FrameDoneAtTheEnds(const t_KrRenderInfo* ri) {
+  if (ri->Width <= 0 || ri->Height <= 0) return true;
+  const double p = ri->Progress;
+  if (p > 0 && p < 1) return false;
+  CopyPixels(ri->Output, p >= 1 ? ri->InputB : ri->InputA, 0, FramePixelCount(ri));
+  return true;
+}
+
 }  // namespace krl

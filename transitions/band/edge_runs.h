@@ -18,21 +18,8 @@
 
 namespace krl {
 
-constexpr FieldSpec AntiAliasingField(FieldIndex* index) {
-  return Bool(index, "Anti-Aliasing", "Anti-Aliasing").Help("This option offers an improvement of quality.").Default(0);
-}
-
 // The items of a "Direction" that turns.
 constexpr SelectorItem kTurnItems[] = {{"Clockwise", 0}, {"Counter-Clockwise", 1}};
-
-// Progress 0 or below shows A, 1 or above B, each copied whole; a NaN shows A.
-// False when the frame lies between them and is still to be drawn.
-inline bool DrawEnds(const t_KrRenderInfo* ri) {
-  const double p = ri->Progress;
-  if (p > 0 && p < 1) return false;
-  CopyPixels(ri->Output, p >= 1 ? ri->InputB : ri->InputA, 0, FramePixelCount(ri));
-  return true;
-}
 
 // Where edge(P, Q, r) puts a pixel at signed distance r: 0 plainly P, 1
 // blended on P's side, 2 blended on Q's side, 3 plainly Q (without

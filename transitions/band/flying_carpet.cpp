@@ -146,7 +146,7 @@ class Carpet {
       }
       const double c = y + 0.5;
       for (int32_t i = 0; i < n; ++i) Distances(row, i, c - along[i].dc, along[i].lead, along[i].gs);
-      Blend(out + carpet.begin, a + carpet.begin, row, n, [&](int32_t i) { return along[i].line; });
+      Blend(out + carpet.begin, a + carpet.begin, row, n, [&](int32_t i) -> const PixelWord* { return along[i].line; });
     }
   }
 
@@ -160,7 +160,7 @@ class Carpet {
       return;
     }
     for (int32_t x = 0; x < rows_.width; ++x) Distances(row, x, (x + 0.5) - s.dc, s.lead, s.gs);
-    Blend(out, a, row, rows_.width, [&](int32_t) { return s.line; });
+    Blend(out, a, row, rows_.width, [&](int32_t) -> const PixelWord* { return s.line; });
   }
 
   const FrameRows& rows_;
@@ -179,7 +179,7 @@ int32_t FlyingCarpetRender(t_KrRenderInfo* ri) {
   if (flight < kLeftRight || flight > kBottomTop) flight = kLeftRight;
   const int32_t k = host.Field(waves), am = host.Field(amplitude);
   const bool antiAlias = host.Field(antiAliasing) != 0;
-  if (ri->Width <= 0 || ri->Height <= 0 || DrawEnds(ri)) return 1;
+  if (FrameDoneAtTheEnds(ri)) return 1;
 
   const FrameRows rows = FrameRows::Of(ri);
   if (!Carpet(rows, flight, k, am, ri->Progress, antiAlias).Paint()) {

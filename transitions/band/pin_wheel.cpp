@@ -158,7 +158,7 @@ int32_t PinWheelRender(t_KrRenderInfo* ri) {
   const bool counterClockwise = host.Field(direction) == 1;
   const int32_t n = std::clamp(host.Field(bladesField), kFewestBlades, kMostBlades);
   const bool antiAlias = host.Field(antiAliasing) != 0;
-  if (ri->Width <= 0 || ri->Height <= 0 || DrawEnds(ri)) return 1;
+  if (FrameDoneAtTheEnds(ri)) return 1;
 
   const Scratch<Blade> blades = AllocateScratch<Blade>(static_cast<size_t>(n));
   const Scratch<int64_t> cuts = AllocateScratch<int64_t>(3 * static_cast<size_t>(n) + 1);

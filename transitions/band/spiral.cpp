@@ -180,7 +180,7 @@ int32_t SpiralRender(t_KrRenderInfo* ri) {
   const bool counterClockwise = host.Field(direction) == 1;
   const int32_t turns = host.Field(turnsField);
   const bool antiAlias = host.Field(antiAliasing) != 0;
-  if (ri->Width <= 0 || ri->Height <= 0 || DrawEnds(ri)) return 1;
+  if (FrameDoneAtTheEnds(ri)) return 1;
 
   const double p = ri->Progress;
   const double theta = ((p * turns) * 2) * kPi;

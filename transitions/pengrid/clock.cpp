@@ -54,7 +54,7 @@ int32_t ClockRender(t_KrRenderInfo* ri) {
   Direction u = StartDirection(host.Field(startPosition));
   const PenReads reads = ReadPen(host, fields);
   const bool antiAlias = host.Field(antiAliasing) != 0;
-  if (DoneBeforeTheCells(ri)) return 1;
+  if (FrameDoneAtTheEnds(ri)) return 1;
 
   // Counter-clockwise is the mirror image of clockwise: u.x and every pixel's X negated.
   if (counterClockwise) u.x = -u.x;

@@ -69,7 +69,7 @@ void SqueezeInto(const StretchStrips& s, int32_t* from) {
 int32_t CrossStretchRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, fields.transType)) return 0;
   const StretchReads reads = ReadStretch(HostCalls(ri), fields);
-  if (!DrawsBetweenEnds(ri)) return 1;
+  if (FrameDoneAtTheEnds(ri) || !DrawableFrame(ri)) return 1;
 
   const StretchCells cells = CellsAlong(ri, reads);
   if (cells.count == 0) return 1;

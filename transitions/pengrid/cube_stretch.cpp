@@ -29,9 +29,7 @@ constexpr std::array<FieldSpec, kPenGridFieldCount + 2> CubeFieldTable() {
   for (size_t i = 0; i < kPenGridFieldCount; ++i) table[i] = stretch[i];
   table[kPenGridFieldCount] =
       Color(&backColor, "BackColor", "Background Color").Help("Defines the background color.").DefaultColor(0, 0, 0);
-  table[kPenGridFieldCount + 1] = Bool(&antiAliasing, "Anti-Aliasing", "Anti-Aliasing")
-                                      .Help("This option offers an improvement of quality.")
-                                      .Default(0);
+  table[kPenGridFieldCount + 1] = AntiAliasingField(&antiAliasing);
   return table;
 }
 
@@ -243,7 +241,7 @@ int32_t CubeStretchRender(t_KrRenderInfo* ri) {
   const StretchReads reads = ReadStretch(host, fields);
   const uint32_t back = host.PenColor(backColor);
   const bool antiAlias = host.Field(antiAliasing) != 0;
-  if (!DrawsBetweenEnds(ri)) return 1;
+  if (FrameDoneAtTheEnds(ri) || !DrawableFrame(ri)) return 1;
 
   const StretchCells cells = CellsAlong(ri, reads);
   if (cells.count == 0) return 1;

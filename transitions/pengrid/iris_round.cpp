@@ -15,9 +15,7 @@ PenGridFields fields;
 FieldIndex antiAliasing;
 
 constexpr auto kFields = WithField(PenGridFieldTable(fields, kIrisDirectionHelp, kOpenCloseItems),
-                                   Bool(&antiAliasing, "Anti-Aliasing", "Anti-Aliasing")
-                                       .Help("This option offers an improvement of quality.")
-                                       .Default(0));
+                                   AntiAliasingField(&antiAliasing));
 
 // Largest s >= 0 with s * s < m, or -1 when there is none.
 int64_t HalfWidthBelow(int64_t m) {

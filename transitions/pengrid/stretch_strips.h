@@ -35,19 +35,6 @@ inline StretchReads ReadStretch(const HostCalls& host, const PenGridFields& f) {
   return {pen, DecodeTravel(host.Field(f.direction))};
 }
 
-// The ends: Progress at or below 0 shows A, at or above 1 shows B, both as
-// whole words. True when the frame is still to be drawn in between. A NaN
-// Progress is taken as 0 (both comparisons fail for it): A.
-inline bool DrawsBetweenEnds(const t_KrRenderInfo* ri) {
-  if (ri->Width <= 0 || ri->Height <= 0) return false;
-  const double p = ri->Progress;
-  if (!(p > 0.0) || p >= 1.0) {
-    CopyPixels(ri->Output, p >= 1.0 ? ri->InputB : ri->InputA, 0, FramePixelCount(ri));
-    return false;
-  }
-  return DrawableFrame(ri);
-}
-
 // Half-open along-indices [begin, end) of a cell.
 struct Strip {
   int32_t begin, end;

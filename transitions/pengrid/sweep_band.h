@@ -29,21 +29,6 @@
 
 namespace krl {
 
-constexpr FieldSpec AntiAliasingField(FieldIndex* index) {
-  return Bool(index, "Anti-Aliasing", "Anti-Aliasing").Help("This option offers an improvement of quality.").Default(0);
-}
-
-// True when the frame is done before any cell is drawn: an empty frame
-// (nothing written), or the first or the last frame, a whole copy of A or B
-// (a NaN Progress shows the first).
-inline bool DoneBeforeTheCells(t_KrRenderInfo* ri) {
-  if (ri->Width <= 0 || ri->Height <= 0) return true;
-  const double p = ri->Progress;
-  if (p > 0 && p < 1) return false;
-  CopyPixels(ri->Output, p >= 1 ? ri->InputB : ri->InputA, 0, FramePixelCount(ri));
-  return true;
-}
-
 // What one side of the band shows: A, B, or Clock's start edge, edge(A, B, sd).
 enum class BandSide : uint8_t { A, B, StartEdge };
 

@@ -51,7 +51,7 @@ int32_t WindscreenWiperRender(t_KrRenderInfo* ri) {
   const Sweep sweep = DecodeSweep(host.Field(fields.direction));
   const PenReads reads = ReadPen(host, fields);
   const bool antiAlias = host.Field(antiAliasing) != 0;
-  if (DoneBeforeTheCells(ri)) return 1;
+  if (FrameDoneAtTheEnds(ri)) return 1;
 
   const bool twoBlades = TwoBlades(sweep);
   const FrameRows rows = FrameRows::Of(ri);

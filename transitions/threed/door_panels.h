@@ -31,21 +31,17 @@ constexpr FieldSpec DoorClosingField(FieldIndex* index) {
   return Bool(index, "IsDoorClosing", "Closing Door").Help("Specifies whether the doors will close or open.").Default(0);
 }
 
-constexpr FieldSpec DoorAntiAliasField(FieldIndex* index) {
-  return Bool(index, "IsAntiAlias", "Anti-Aliasing").Help("This option offers an improvement of quality.").Default(0);
-}
-
 // Doors and Vertical Doors.
 constexpr auto DoorsFieldTable(DoorPanelFields& f) {
   return FieldTable(f.clip, DivideXField(&f.divideX), DivideYField(&f.divideY), PenColorField(&f.color),
-                    PenThicknessField(&f.borderWidth), DoorClosingField(&f.closing), DoorAntiAliasField(&f.antiAlias));
+                    PenThicknessField(&f.borderWidth), DoorClosingField(&f.closing), AntiAliasingField(&f.antiAlias, "IsAntiAlias"));
 }
 
 // The swinging doors: their hinge field between the closing and the anti-aliasing.
 constexpr auto SwingingDoorFieldTable(DoorPanelFields& f, const FieldSpec& hinge) {
   return FieldTable(f.clip, DivideXField(&f.divideX), DivideYField(&f.divideY), PenColorField(&f.color),
                     PenThicknessField(&f.borderWidth), DoorClosingField(&f.closing), hinge,
-                    DoorAntiAliasField(&f.antiAlias));
+                    AntiAliasingField(&f.antiAlias, "IsAntiAlias"));
 }
 
 // Where the hinges are: on the cells' left and right edges (their first

@@ -29,7 +29,7 @@ FieldIndex color, antiAlias;
 
 constexpr auto kFields = FieldTable(clip,
     Color(&color, "Color", "Back Color").Help("Defines the color of the back of the paper.").DefaultColor(224, 224, 224),
-    Bool(&antiAlias, "IsAntiAlias", "Anti-Aliasing").Help("This option offers an improvement of quality.").Default(0));
+    AntiAliasingField(&antiAlias, "IsAntiAlias"));
 
 // The frame's constants, the flap angle of the current phase and how it is lit.
 struct Paper {
@@ -198,7 +198,7 @@ int32_t OrigamiRender(t_KrRenderInfo* ri) {
   const HostCalls host(ri);
   const uint32_t back = host.PenColor(color);
   const bool aa = host.Field(antiAlias) != 0;
-  if (DrawsEnds(ri)) return 1;
+  if (FrameDoneAtTheEnds(ri)) return 1;
   const double p = ri->Progress;
   Paper k(FrameRows::Of(ri), aa);
   if (p < 0.2) {

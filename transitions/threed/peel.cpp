@@ -37,7 +37,7 @@ constexpr auto kFields = FieldTable(clip,
         .Help("Shows Va mirrored and see-through on the back of the sheet.")
         .Default(0),
     Bool(&shadow, "Shadow", "Shadow").Help("Casts a soft shadow of the curl onto Vb.").Default(1),
-    Bool(&antiAlias, "IsAntiAlias", "Anti-Aliasing").Help("This option offers an improvement of quality.").Default(0));
+    AntiAliasingField(&antiAlias, "IsAntiAlias"));
 
 // The weight of shade(P, 1), which keeps P.
 constexpr uint32_t kUnshaded = 256;
@@ -212,7 +212,7 @@ int32_t PeelRender(t_KrRenderInfo* ri) {
   s.transparent = host.Field(transparent) != 0;
   s.shadow = host.Field(shadow) != 0;
   s.antiAlias = host.Field(antiAlias) != 0;
-  if (DrawsEnds(ri)) return 1;
+  if (FrameDoneAtTheEnds(ri)) return 1;
   const double p = ri->Progress;
   const FrameRows f = FrameRows::Of(ri);
   const Sheet sheet(s, f, p);

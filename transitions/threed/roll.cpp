@@ -162,7 +162,7 @@ int32_t RollRender(t_KrRenderInfo* ri) {
   const int32_t d = host.Field(direction);
   const Travel travel = d >= 1 && d <= 3 ? static_cast<Travel>(d) : Travel::LeftRight;
   const bool seeThrough = host.Field(transparent) != 0;
-  if (DrawsEnds(ri)) return 1;
+  if (FrameDoneAtTheEnds(ri)) return 1;
   const double p = ri->Progress;
   const FrameRows f = FrameRows::Of(ri);
   const RollGeometry g(travel, f.width, f.height, p);

@@ -13,17 +13,6 @@
 
 namespace krl {
 
-// Draws what needs no geometry and says whether the frame is done: nothing
-// for an empty frame, A whole at Progress 0 or below, B whole at 1 or above.
-// A NaN Progress shows A, as the start does.
-inline bool DrawsEnds(t_KrRenderInfo* ri) {
-  if (ri->Width <= 0 || ri->Height <= 0) return true;
-  const double p = ri->Progress;
-  if (p > 0 && p < 1) return false;
-  CopyPixels(ri->Output, p >= 1 ? ri->InputB : ri->InputA, 0, FramePixelCount(ri));
-  return true;
-}
-
 // The frame showing A, where a render gets no memory for its tables.
 inline void ShowA(const FrameRows& f) {
   for (int32_t y = 0; y < f.height; ++y) CopyRun(f.Out(y), f.A(y), f.width);

@@ -39,7 +39,7 @@ constexpr FieldSpec kFields[] = {
     DivideXField(&divideX),
     DivideYField(&divideY),
     Color(&color, "Color", "Background Color").Help("Defines the background color.").DefaultColor(0, 0, 0),
-    Bool(&antiAlias, "IsAntiAlias", "Anti-Aliasing").Help("This option offers an improvement of quality.").Default(0),
+    AntiAliasingField(&antiAlias, "IsAntiAlias"),
     Bool(&sharpTines, "SharpTines", "Sharp Tines (on subdivision)")
         .Help("Specifies whether the tines are sharp or rather smooth.")
         .Default(0),
