@@ -17,6 +17,7 @@
 #include "host/transition.h"
 #include "raster/numeric.h"
 #include "raster/pixel_rows.h"
+#include "raster/process_rand.h"
 
 namespace krl {
 namespace {
@@ -71,21 +72,22 @@ void SmoulderingPaperDeleteUserData(t_KrRenderInfo* ri) {
 constexpr double kRandMax = 2147483647.0;
 
 // A draw scaled to 0..65535.
-int32_t Draw16() { return TruncToInt32(std::rand() * 65535.0 / kRandMax); }
+int32_t Draw16(ProcessRand& draws) { return TruncToInt32(draws.Next() * 65535.0 / kRandMax); }
 
 // The height field of one generation, with the weight of a rectangle.
 struct Field {
   uint16_t* map;
   int32_t degree, width, height;
+  ProcessRand& draws;
 
   uint16_t& At(int32_t x, int32_t y) const { return map[static_cast<size_t>(y) * static_cast<size_t>(width) + x]; }
 
   // The midpoint of (p, q) displaced by one draw, in 32-bit arithmetic:
   // the products wrap for any degree, the first division truncates toward
   // zero, the shift is logical, the store keeps 16 bits.
-  static uint16_t Midpoint(int32_t p, int32_t q, int32_t a, int32_t b) {
+  uint16_t Midpoint(int32_t p, int32_t q, int32_t a, int32_t b) const {
     const int32_t mixed = WrappingMultiply(p + q, b) / 2;
-    const uint32_t sum = static_cast<uint32_t>(mixed) + static_cast<uint32_t>(WrappingMultiply(Draw16(), a));
+    const uint32_t sum = static_cast<uint32_t>(mixed) + static_cast<uint32_t>(WrappingMultiply(Draw16(draws), a));
     return static_cast<uint16_t>(sum >> 8);
   }
   void SetMidpoint(int32_t x, int32_t y, int32_t x1, int32_t y1, int32_t x2, int32_t y2, int32_t a, int32_t b) const {
@@ -130,7 +132,7 @@ struct Field {
       SetMidpoint(xm, y1, x0, y1, x1, y1, a, b);  // bottom
       uint16_t& centre = At(xm, ym);
       if (centre == 0) {
-        std::rand();  // drawn and not used
+        draws.Next();  // drawn and not used
         centre = static_cast<uint16_t>((At(x0, ym) + At(x1, ym) + At(xm, y0) + At(xm, y1)) >> 2);
       }
       Quadrant(x0, ym, xm, y1, across, up);
@@ -156,11 +158,12 @@ void Regenerate(SmoulderingPaperCache& cache, int32_t width, int32_t height) {
   if (cache.Map != nullptr) {
     std::srand(static_cast<unsigned>(cache.Seed));
     std::memset(cache.Map, 0, w * h * sizeof(uint16_t));
-    const Field field{cache.Map, cache.Degree, width, height};
-    field.At(0, 0) = static_cast<uint16_t>(Draw16());
-    field.At(width - 1, 0) = static_cast<uint16_t>(Draw16());
-    field.At(0, height - 1) = static_cast<uint16_t>(Draw16());
-    field.At(width - 1, height - 1) = static_cast<uint16_t>(Draw16());
+    ProcessRand draws;
+    const Field field{cache.Map, cache.Degree, width, height, draws};
+    field.At(0, 0) = static_cast<uint16_t>(Draw16(draws));
+    field.At(width - 1, 0) = static_cast<uint16_t>(Draw16(draws));
+    field.At(0, height - 1) = static_cast<uint16_t>(Draw16(draws));
+    field.At(width - 1, height - 1) = static_cast<uint16_t>(Draw16(draws));
     Field::Shares across(width), up(height);
     field.Subdivide(0, 0, width - 1, height - 1, across, up);
   }
