@@ -3,12 +3,12 @@
 // drawn afresh from three fixed orders, so the picture sparkles from frame
 // to frame. The process-wide rand() decides; this transition never seeds it.
 #include <algorithm>
-#include <cstdlib>
 
 #include "host/transition.h"
 #include "host/render_prologue.h"
 #include "raster/frame.h"
 #include "raster/numeric.h"
+#include "raster/process_rand.h"
 
 namespace krl {
 namespace {
@@ -52,10 +52,11 @@ int32_t RandomDissolveRender(t_KrRenderInfo* ri) {
   if (draws <= 0) return 1;
 
   const int64_t width = ri->Width, height = ri->Height;
+  ProcessRand random;
   for (int64_t y0 = 0; y0 < height; y0 += kCell) {
     for (int64_t x0 = 0; x0 < width; x0 += kCell) {
       for (int32_t k = 0; k < draws; ++k) {
-        const int32_t position = kOrders[std::rand() % 3][k];
+        const int32_t position = kOrders[random.Next() % 3][k];
         const int64_t x = x0 + position % kCell, y = y0 + position / kCell;
         // Cells at the right and top edge are cut off; the draw is made anyway.
         if (x < width && y < height) CopyPixel(ri->Output, overlay, static_cast<size_t>(y * width + x));

@@ -64,10 +64,11 @@ emu::Frame Plainly(const emu::Frame& a, const emu::Frame& b, const Blinds& c, ui
     const int32_t lo = static_cast<int32_t>(i * size), hi = i == c.n - 1 ? L : static_cast<int32_t>((i + 1) * size);
     if (!c.vertical) {
       const int32_t s = hi - d, e = std::max(s - c.pw, lo);
+      // B's row is formed only where B shows (at Progress 0 it nowhere does, and 1 / t is infinite).
+      auto rowOfB = [&](int32_t y) { return std::clamp(static_cast<int32_t>(lo + (y - s) * (1.0 / t)) + 1, 0, H - 1); };
       for (int32_t y = lo; y < hi; ++y) {
-        const int32_t row = std::clamp(static_cast<int32_t>(lo + (y - s) * (1.0 / t)) + 1, 0, H - 1);
         for (int32_t x = 0; x < W; ++x) {
-          put(x, y, y < e ? a.At(x, y) : y < s ? kPen : b.At(x, row));
+          put(x, y, y < e ? a.At(x, y) : y < s ? kPen : b.At(x, rowOfB(y)));
         }
       }
       for (int32_t y = std::max(s - h, 0); box && y < std::min(s + h, H); ++y) {
@@ -77,8 +78,8 @@ emu::Frame Plainly(const emu::Frame& a, const emu::Frame& b, const Blinds& c, ui
       const int32_t seam = lo + d, e = std::min(seam + c.pw, hi);
       for (int32_t y = H - 1; y >= 0; --y) {
         for (int32_t x = lo; x < hi; ++x) {
-          const int32_t column = std::clamp(static_cast<int32_t>(hi - (d - 1 - (x - lo)) / t) - 1, 0, W - 1);
-          put(x, y, x < seam ? b.At(column, y) : x < e ? kPen : a.At(x, y));
+          auto columnOfB = [&] { return std::clamp(static_cast<int32_t>(hi - (d - 1 - (x - lo)) / t) - 1, 0, W - 1); };
+          put(x, y, x < seam ? b.At(columnOfB(), y) : x < e ? kPen : a.At(x, y));
         }
       }
       for (int32_t x = std::max(seam - h, 0); box && x < std::min(seam + h, W); ++x) {
