@@ -3,12 +3,16 @@
 // colour. The throw is strongest half way and vanishes at both ends. The
 // offsets come from a generator restarted at the same value every frame, so
 // the cloud of pixels moves smoothly instead of flickering.
+#include <emmintrin.h>
+
 #include <cstring>
 
 #include "host/transition.h"
 #include "host/render_prologue.h"
 #include "raster/frame.h"
 #include "raster/numeric.h"
+#include "raster/pixel_rows.h"
+#include "raster/scratch.h"
 
 namespace krl {
 namespace {
@@ -22,34 +26,154 @@ FieldIndex color;
 constexpr auto kFields = FieldTable(clip,
     Color(&color, "Color", "Background Color").Help("Defines the background color.").DefaultColor(155, 155, 155));
 
-// A linear congruential generator whose draws in [0, 1) are formed from the
-// low 23 bits of the state as the mantissa of a float in [1, 2), minus 1.
+// A linear congruential generator, state = state * 1664525 + 1013904223,
+// whose draws in [0, 1) are formed from the low 23 bits of the state as the
+// mantissa of a float in [1, 2), minus 1. Its states are formed eight
+// streams at a time: state n + 8 follows from state n by one step of the
+// generator taken eight times over, so the eight multiplications are
+// independent and go side by side.
+constexpr size_t kChaosLanes = 8;
+constexpr uint32_t kChaosMultiplier = 1664525u, kChaosIncrement = 1013904223u;
+constexpr uint32_t ChaosStep(uint32_t state, uint32_t multiplier, uint32_t increment) {
+  return state * multiplier + increment;
+}
+// The generator's step taken kChaosLanes times: x -> m^8 x + c (m^7 + ... + 1).
+constexpr uint32_t ChaosLeapMultiplier() {
+  uint32_t m = 1;
+  for (size_t k = 0; k < kChaosLanes; ++k) m *= kChaosMultiplier;
+  return m;
+}
+constexpr uint32_t ChaosLeapIncrement() {
+  uint32_t c = 0;
+  for (size_t k = 0; k < kChaosLanes; ++k) c = ChaosStep(c, kChaosMultiplier, kChaosIncrement);
+  return c;
+}
+
 class ChaosGenerator {
  public:
-  double Next() {
-    state_ = state_ * 1664525u + 1013904223u;
-    const uint32_t bits = (state_ & 0x7FFFFFu) | 0x3F800000u;
-    float f;
-    std::memcpy(&f, &bits, sizeof f);
-    return f - 1.0;
+  ChaosGenerator() {
+    uint32_t state = 1977;
+    for (uint32_t& lane : next_) lane = state = Step(state, kMultiplier, kIncrement);
+  }
+
+  // The next n states, in order.
+  void Fill(uint32_t* out, size_t n) {
+    size_t i = 0;
+    for (; i + kLanes <= n; i += kLanes) {
+      for (size_t j = 0; j < kLanes; ++j) {
+        out[i + j] = next_[j];
+        next_[j] = Step(next_[j], kLeapMultiplier, kLeapIncrement);
+      }
+    }
+    // A part of the lanes used: the unused ones come first next time.
+    const size_t used = n - i;
+    uint32_t lanes[kLanes];
+    for (size_t j = 0; j < kLanes; ++j) {
+      if (j < used) out[i + j] = next_[j];
+      lanes[j] = j + used < kLanes ? next_[j + used] : Step(next_[j + used - kLanes], kLeapMultiplier, kLeapIncrement);
+    }
+    std::memcpy(next_, lanes, sizeof lanes);
+  }
+
+  // The draw a state gives, as a float in [1, 2).
+  static __m128 Draws(__m128i states) {
+    return _mm_castsi128_ps(_mm_or_si128(_mm_and_si128(states, _mm_set1_epi32(0x7FFFFF)), _mm_set1_epi32(0x3F800000)));
   }
 
  private:
-  uint32_t state_ = 1977;
+  static constexpr size_t kLanes = kChaosLanes;
+  static constexpr uint32_t kMultiplier = kChaosMultiplier, kIncrement = kChaosIncrement;
+  static constexpr auto Step = ChaosStep;
+  static constexpr uint32_t kLeapMultiplier = ChaosLeapMultiplier(), kLeapIncrement = ChaosLeapIncrement();
+
+  uint32_t next_[kLanes];  // the next kLanes states
 };
 
-// The fade of one byte, a + (b - a) * p truncated. The low 8 bits of the
-// truncated value are stored when a Progress outside 0..1 leaves 0..255.
-class ByteFade {
+// Where the pixels of one row land: the row's draws, four a pixel in the
+// order the pixels are thrown (from the last to the first), and for each
+// pixel its place in the frame, or -1 where it lands outside.
+struct RowThrow {
+  uint32_t* states;  // 4 * (width + 1): a pair's second pixel past the row is formed and unused
+  int64_t* targets;  // width + 1
+};
+
+class Throw {
  public:
-  explicit ByteFade(float p) : p_(p) {}
-  void MixPixel(const uint8_t* a, const uint8_t* b, uint8_t* out) const {
-    for (int i = 0; i < 4; ++i) out[i] = static_cast<uint8_t>(TruncToInt32(a[i] + (b[i] - a[i]) * p_));
+  Throw(int32_t width, int32_t height, double spread)
+      : width_(width), height_(height), halfWidth_(width / 2), halfHeight_(height / 2),
+        w_(RoundToSingle(width)), h_(RoundToSingle(height)), spread_(spread) {}
+
+  // Pixel k of the row is column width - 1 - k. Two pixels at a time, in
+  // IEEE doubles as the one-pixel formula has them:
+  // dy = (u1^2 - u2^2) H, dx = (u3^2 - u4^2) W,
+  // y' = y - (dy - (H/2 - y)) s, x' = x - ((x - W/2) - dx) s, truncated.
+  void Row(int32_t y, const RowThrow& row) const {
+    const __m128d one = _mm_set1_pd(1.0), h = _mm_set1_pd(h_), w = _mm_set1_pd(w_), s = _mm_set1_pd(spread_);
+    const __m128d rowY = _mm_set1_pd(y), towardsCentreY = _mm_set1_pd(halfHeight_ - y);
+    for (int32_t k = 0; k < width_; k += 2) {
+      const int32_t x = width_ - 1 - k;
+      const __m128 first = ChaosGenerator::Draws(_mm_loadu_si128(reinterpret_cast<const __m128i*>(row.states + 4 * k)));
+      const __m128 second = ChaosGenerator::Draws(_mm_loadu_si128(reinterpret_cast<const __m128i*>(row.states + 4 * k + 4)));
+      const __m128 u12 = _mm_unpacklo_ps(first, second), u34 = _mm_unpackhi_ps(first, second);
+      const __m128d u1 = _mm_sub_pd(_mm_cvtps_pd(u12), one), u2 = _mm_sub_pd(_mm_cvtps_pd(_mm_movehl_ps(u12, u12)), one);
+      const __m128d u3 = _mm_sub_pd(_mm_cvtps_pd(u34), one), u4 = _mm_sub_pd(_mm_cvtps_pd(_mm_movehl_ps(u34, u34)), one);
+      const __m128d dy = _mm_mul_pd(_mm_sub_pd(_mm_mul_pd(u1, u1), _mm_mul_pd(u2, u2)), h);
+      const __m128d dx = _mm_mul_pd(_mm_sub_pd(_mm_mul_pd(u3, u3), _mm_mul_pd(u4, u4)), w);
+      // The row offset enters with a plus sign, the column offset with a
+      // minus sign: the asymmetry is part of the look.
+      const __m128d ty = _mm_sub_pd(rowY, _mm_mul_pd(_mm_sub_pd(dy, towardsCentreY), s));
+      const __m128d column = _mm_set_pd(x - 1, x), fromCentre = _mm_set_pd(x - 1 - halfWidth_, x - halfWidth_);
+      const __m128d tx = _mm_sub_pd(column, _mm_mul_pd(_mm_sub_pd(fromCentre, dx), s));
+      // Truncation as TruncToInt32 does it: NaN and the out-of-range give INT32_MIN, outside the frame.
+      alignas(16) int32_t rows[4], columns[4];
+      _mm_store_si128(reinterpret_cast<__m128i*>(rows), _mm_cvttpd_epi32(ty));
+      _mm_store_si128(reinterpret_cast<__m128i*>(columns), _mm_cvttpd_epi32(tx));
+      row.targets[k] = Target(columns[0], rows[0]);
+      row.targets[k + 1] = Target(columns[1], rows[1]);
+    }
   }
 
  private:
-  double p_;
+  int64_t Target(int32_t column, int32_t row) const {
+    if (column < 0 || column >= width_ || row < 0 || row >= height_) return -1;
+    return int64_t{row} * width_ + column;
+  }
+
+  int32_t width_, height_, halfWidth_, halfHeight_;
+  double w_, h_, spread_;
 };
+
+// The fade of a row, each byte a + (b - a) * p truncated. The low 8 bits of
+// the truncated value are stored when a Progress outside 0..1 leaves 0..255.
+// Four bytes' a + (b - a) * p in doubles, truncated: a, b as 32-bit lanes.
+__m128i FadeLanes(__m128i a, __m128i b, __m128d p) {
+  const __m128i d = _mm_sub_epi32(b, a);
+  const __m128d low = _mm_add_pd(_mm_cvtepi32_pd(a), _mm_mul_pd(_mm_cvtepi32_pd(d), p));
+  const __m128d high = _mm_add_pd(_mm_cvtepi32_pd(_mm_srli_si128(a, 8)), _mm_mul_pd(_mm_cvtepi32_pd(_mm_srli_si128(d, 8)), p));
+  return _mm_unpacklo_epi64(_mm_cvttpd_epi32(low), _mm_cvttpd_epi32(high));
+}
+
+void FadeRow(const uint8_t* a, const uint8_t* b, uint8_t* out, size_t bytes, double p) {
+  size_t i = 0;
+  if (p >= 0.0 && p <= 1.0) {
+    // Within 0..255 throughout, so the packing below never saturates: sixteen bytes at a time.
+    const __m128i zero = _mm_setzero_si128();
+    const __m128d pp = _mm_set1_pd(p);
+    for (; i + 16 <= bytes; i += 16) {
+      const __m128i av = _mm_loadu_si128(reinterpret_cast<const __m128i*>(a + i));
+      const __m128i bv = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + i));
+      const __m128i aLow = _mm_unpacklo_epi8(av, zero), aHigh = _mm_unpackhi_epi8(av, zero);
+      const __m128i bLow = _mm_unpacklo_epi8(bv, zero), bHigh = _mm_unpackhi_epi8(bv, zero);
+      const __m128i f0 = FadeLanes(_mm_unpacklo_epi16(aLow, zero), _mm_unpacklo_epi16(bLow, zero), pp);
+      const __m128i f1 = FadeLanes(_mm_unpackhi_epi16(aLow, zero), _mm_unpackhi_epi16(bLow, zero), pp);
+      const __m128i f2 = FadeLanes(_mm_unpacklo_epi16(aHigh, zero), _mm_unpacklo_epi16(bHigh, zero), pp);
+      const __m128i f3 = FadeLanes(_mm_unpackhi_epi16(aHigh, zero), _mm_unpackhi_epi16(bHigh, zero), pp);
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i),
+                       _mm_packus_epi16(_mm_packs_epi32(f0, f1), _mm_packs_epi32(f2, f3)));
+    }
+  }
+  for (; i < bytes; ++i) out[i] = static_cast<uint8_t>(TruncToInt32(a[i] + (b[i] - a[i]) * p));
+}
 
 int32_t ChaoticDissolveRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, clip.transType)) return 0;
@@ -60,26 +184,29 @@ int32_t ChaoticDissolveRender(t_KrRenderInfo* ri) {
   const float p = RoundToSingle(ri->Progress);
   const double spread = 4.0 * p * p * (1.0 - p) * (1.0 - p);
   const int32_t width = ri->Width, height = ri->Height;
-  const int32_t halfWidth = width / 2, halfHeight = height / 2;
-  const double w = RoundToSingle(width), h = RoundToSingle(height);
-  const ByteFade fade(p);
+  const size_t pairsWidth = static_cast<size_t>(width) + 1;
+  const Scratch<uint32_t> states = AllocateScratch<uint32_t>(4 * pairsWidth);
+  const Scratch<int64_t> targets = AllocateScratch<int64_t>(pairsWidth);
+  const Scratch<uint32_t> faded = AllocateScratch<uint32_t>(pairsWidth);
+  if (!states || !targets || !faded) return 1;  // no memory for a row: the background alone
+
+  const Throw thrower(width, height, spread);
+  const RowThrow row{states.get(), targets.get()};
+  const FrameRows f = FrameRows::Of(ri);
   ChaosGenerator random;
   // Later pixels overwrite earlier ones, so the order is part of the result:
   // rows from the top down, each from its last pixel to its first.
   for (int32_t y = height - 1; y >= 0; --y) {
-    const double towardsCentreY = halfHeight - y;
-    for (int32_t x = width - 1; x >= 0; --x) {
-      const double u1 = random.Next(), u2 = random.Next(), u3 = random.Next(), u4 = random.Next();
-      const double dy = (u1 * u1 - u2 * u2) * h;
-      const double dx = (u3 * u3 - u4 * u4) * w;
-      // The row offset enters with a plus sign, the column offset with a
-      // minus sign: the asymmetry is part of the look.
-      const int32_t ty = TruncToInt32(y - (dy - towardsCentreY) * spread);
-      const int32_t tx = TruncToInt32(x - ((x - halfWidth) - dx) * spread);
-      if (tx < 0 || tx >= width || ty < 0 || ty >= height) continue;
-      const size_t from = static_cast<size_t>(y) * width + x;
-      const size_t to = static_cast<size_t>(ty) * width + tx;
-      fade.MixPixel(ri->InputA + 4 * from, ri->InputB + 4 * from, ri->Output + 4 * to);
+    random.Fill(row.states, 4 * static_cast<size_t>(width));
+    thrower.Row(y, row);
+    FadeRow(reinterpret_cast<const uint8_t*>(f.A(y)), reinterpret_cast<const uint8_t*>(f.B(y)),
+            reinterpret_cast<uint8_t*>(faded.get()), 4 * static_cast<size_t>(width), p);
+    // The places lie scattered over a band of the frame: asking for each a
+    // few throws ahead lets the writes' cache misses overlap.
+    constexpr int32_t kAhead = 16;
+    for (int32_t k = 0; k < width; ++k) {
+      if (k + kAhead < width && row.targets[k + kAhead] >= 0) __builtin_prefetch(f.output + row.targets[k + kAhead], 1);
+      if (row.targets[k] >= 0) f.output[row.targets[k]] = faded[width - 1 - k];
     }
   }
   return 1;
