@@ -160,19 +160,36 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
   int32_t* columns = places.get();
   int32_t* rows = places.get() + W;
   const double perRX = RoundToSingle(1.0 / ball.rX), perRY = RoundToSingle(1.0 / ball.rY);
+  // A row's places are cy - cos θ S for one S: monotone in cos θ, the
+  // highest lies at the column of its least or greatest cosine.
+  // So are its columns in sin θ.
+  int32_t leastSin = 0, greatestSin = 0, leastCos = 0, greatestCos = 0;
   for (int32_t x = 0; x < W; ++x) {
     const double theta = (cx - x) * perRX;
     sinTheta[x] = Sine(theta);
     cosTheta[x] = Cosine(theta);
+    if (sinTheta[x] < sinTheta[leastSin]) leastSin = x;
+    if (sinTheta[x] > sinTheta[greatestSin]) greatestSin = x;
+    if (cosTheta[x] < cosTheta[leastCos]) leastCos = x;
+    if (cosTheta[x] > cosTheta[greatestCos]) greatestCos = x;
   }
 
   for (int32_t y = 0; y < H; ++y) {
     const double phi = (cy - y) * perRY;
-    Places(sinTheta, Cosine(phi) * ball.rX, cx, W, columns);
-    Places(cosTheta, Sine(phi) * ball.rY, cy, W, rows);
-    int32_t highest = 0;
-    for (int32_t x = 0; x < W; ++x) highest = std::max(highest, rows[x]);
-    fillBelow(std::min(highest, H - 1) + 1);
+    const double along = Cosine(phi) * ball.rX, across = Sine(phi) * ball.rY;
+    Places(sinTheta, along, cx, W, columns);
+    // Columns x and W - x have the same cos θ (their θ are exact negatives,
+    // and the cosine is even): the second half's rows mirror the first's.
+    const int32_t firstHalf = W / 2 + 1;
+    Places(cosTheta, across, cy, firstHalf, rows);
+    for (int32_t x = firstHalf; x < W; ++x) rows[x] = rows[W - x];
+    const int32_t lowest = rows[across > 0 ? greatestCos : leastCos];
+    const int32_t highest = rows[across > 0 ? leastCos : greatestCos];
+    fillBelow(std::min(std::max(0, highest), H - 1) + 1);
+    const int32_t left = columns[along > 0 ? greatestSin : leastSin];
+    const int32_t right = columns[along > 0 ? leastSin : greatestSin];
+    // Most rows land wholly inside the frame: there no place needs a test.
+    const bool inside = left >= 0 && right < W && lowest >= 0 && highest < H;
     SourceRun runs[2];
     const int count = SourceRuns(f, ball, travel, y, runs);
     for (int r = 0; r < count; ++r) {
@@ -181,10 +198,14 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
       const int64_t shift = runs[r].shift;
       PixelWord* const out = f.output;
       const size_t stride = static_cast<size_t>(W);
+      const auto place = [&](int32_t x) { return static_cast<size_t>(rows[x]) * stride + static_cast<size_t>(columns[x]); };
+      if (inside) {
+        for (int32_t x = runs[r].begin, end = runs[r].end; x < end; ++x) out[place(x)] = from[x + shift];
+        continue;
+      }
       for (int32_t x = runs[r].begin, end = runs[r].end; x < end; ++x) {
-        const int32_t X = columns[x], Y = rows[x];
-        if (static_cast<uint32_t>(X) < static_cast<uint32_t>(W) && static_cast<uint32_t>(Y) < static_cast<uint32_t>(H)) {
-          out[static_cast<size_t>(Y) * stride + static_cast<size_t>(X)] = from[x + shift];
+        if (static_cast<uint32_t>(columns[x]) < static_cast<uint32_t>(W) && static_cast<uint32_t>(rows[x]) < static_cast<uint32_t>(H)) {
+          out[place(x)] = from[x + shift];
         }
       }
     }
