@@ -1,0 +1,124 @@
+#include "frei0r/parameters.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace krl::frei0r {
+namespace {
+
+double Clamped01(double x) { return x >= 0.0 ? std::min(x, 1.0) : 0.0; }  // NaN fails >= and gives 0
+
+std::string Number(double v) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.4g", v);
+  return text;
+}
+
+// min..max as a span of 0..1; a field without a range spans 0..1 itself.
+double Low(const emu::DeclaredField& f) { return f.hasRange ? f.minimum : 0.0; }
+double Span(const emu::DeclaredField& f) { return f.hasRange ? f.maximum - f.minimum : 1.0; }
+
+double ToUnit(const emu::DeclaredField& f, double value) {
+  const double span = Span(f);
+  return span > 0.0 ? Clamped01((value - Low(f)) / span) : 0.0;
+}
+
+std::string WithHelp(const emu::DeclaredField& f, const std::string& mapping) {
+  if (f.help.empty()) return mapping;
+  return mapping.empty() ? f.help : f.help + " " + mapping;
+}
+
+ParamSpec SpecOf(const emu::DeclaredField& f, const emu::Instance& defaults) {
+  ParamSpec spec;
+  spec.field = &f;
+  spec.name = f.label;
+  if (f.kind == "Selector") {
+    spec.kind = ParamKind::Selector;
+    std::string items;
+    const int32_t current = defaults.Value(f.key);
+    const double steps = f.items.size() > 1 ? static_cast<double>(f.items.size() - 1) : 1.0;
+    for (size_t i = 0; i < f.items.size(); ++i) {
+      items += (i == 0 ? "" : ", ") + Number(static_cast<double>(i) / steps) + " = " + f.items[i].label;
+      if (f.items[i].value == current) spec.initial.number = static_cast<double>(i) / steps;
+    }
+    spec.explanation = WithHelp(f, "Items, spread evenly over 0..1 (the nearest is taken): " + items + ".");
+  } else if (f.kind == "Long") {
+    spec.kind = ParamKind::Long;
+    spec.initial.number = ToUnit(f, defaults.Value(f.key));
+    spec.explanation = WithHelp(f, "0..1 stands for " + Number(Low(f)) + ".." + Number(Low(f) + Span(f)) +
+                                       " (rounded to the nearest whole number).");
+  } else if (f.kind == "Bool") {
+    spec.kind = ParamKind::Bool;
+    spec.type = F0R_PARAM_BOOL;
+    spec.initial.number = defaults.Value(f.key) != 0 ? 1.0 : 0.0;
+    spec.explanation = f.help;
+  } else if (f.kind == "RGBcolor") {
+    spec.kind = ParamKind::Color;
+    spec.type = F0R_PARAM_COLOR;
+    const KrColor c = defaults.Color(f.key);
+    spec.initial.color = {c.Red / 255.0f, c.Green / 255.0f, c.Blue / 255.0f};
+    spec.explanation = f.help;
+  } else {  // "Alpha", "FloatA": a curve the host evaluates at Progress
+    spec.kind = ParamKind::Curve;
+    const std::vector<emu::CurvePoint>& curve = defaults.Curve(f.key);
+    spec.initial.number = curve.empty() ? 0.0 : ToUnit(f, curve.front().value);
+    const std::string range = f.hasRange ? "0..1 stands for " + Number(Low(f)) + ".." + Number(Low(f) + Span(f)) + ", "
+                                         : "The value ";
+    spec.explanation = WithHelp(f, range + "held for the whole transition; until it is set, the declared curve applies.");
+  }
+  return spec;
+}
+
+}  // namespace
+
+double NearestStep(double x, double steps) {
+  if (!(steps > 0.0)) return 0.0;
+  return std::min(std::floor(Clamped01(x) * steps + 0.5), steps);
+}
+
+int32_t SelectorValue(const emu::DeclaredField& f, double x) {
+  if (f.items.empty()) return 0;
+  const double k = NearestStep(x, static_cast<double>(f.items.size() - 1));
+  return f.items[static_cast<size_t>(k)].value;
+}
+
+int32_t LongValue(const emu::DeclaredField& f, double x) {
+  // Held to the 32-bit range before the conversion, whatever the declared range.
+  const double value = Low(f) + NearestStep(x, std::floor(Span(f)));
+  return static_cast<int32_t>(std::clamp(value, -2147483648.0, 2147483647.0));
+}
+
+bool BoolValue(double x) { return x >= 0.5; }
+
+KrColor ColorValue(const f0r_param_color_t& c) {
+  auto byte = [](float v) { return static_cast<uint8_t>(NearestStep(v, 255.0)); };
+  return KrColor{byte(c.b), byte(c.g), byte(c.r), 255};
+}
+
+double CurveValue(const emu::DeclaredField& f, double x) { return Low(f) + Clamped01(x) * Span(f); }
+
+std::vector<ParamSpec> ParamsOf(const emu::DeclaredEffect& effect, const emu::Instance& defaults) {
+  std::vector<ParamSpec> specs(1);
+  specs[0].name = "progress";
+  specs[0].explanation =
+      "Position in the transition: 0 shows the first clip, 1 the second. Animate it from 0 to 1 over the transition.";
+  for (const emu::DeclaredField& f : effect.fields) {
+    if (f.kind != "Input") specs.push_back(SpecOf(f, defaults));
+  }
+  return specs;
+}
+
+void ApplyParam(const ParamSpec& spec, const ParamValue& value, emu::Instance& instance) {
+  const emu::DeclaredField& f = *spec.field;
+  switch (spec.kind) {
+    case ParamKind::Selector: instance.SetValue(f.key, SelectorValue(f, value.number)); break;
+    case ParamKind::Long: instance.SetValue(f.key, LongValue(f, value.number)); break;
+    case ParamKind::Bool: instance.SetValue(f.key, BoolValue(value.number) ? 1 : 0); break;
+    case ParamKind::Color: instance.SetColor(f.key, ColorValue(value.color)); break;
+    case ParamKind::Curve: instance.SetConstant(f.key, CurveValue(f, value.number)); break;
+    case ParamKind::Progress: break;
+  }
+}
+
+}  // namespace krl::frei0r
