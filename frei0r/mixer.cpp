@@ -28,10 +28,9 @@ std::unique_ptr<Mixer> Mixer::Create(std::shared_ptr<const Loaded> loaded, unsig
 }
 
 Mixer::Mixer(std::shared_ptr<const Loaded> loaded, size_t width, size_t height)
-    : loaded_(std::move(loaded)), instance_(*loaded_->host, *loaded_->effect), width_(width), height_(height),
-      a_(width * height * 4), b_(width * height * 4), out_(width * height * 4) {
-  for (const ParamSpec& spec : loaded_->params) values_.push_back(spec.initial);
-}
+    : loaded_(std::move(loaded)), instance_(*loaded_->host, *loaded_->effect),
+      values_(ValuesOf(loaded_->params, instance_)), width_(width), height_(height), a_(width * height * 4),
+      b_(width * height * 4), out_(width * height * 4) {}
 
 void Mixer::Set(int index, const void* value) {
   if (value == nullptr || index < 0 || static_cast<size_t>(index) >= values_.size()) return;

@@ -29,45 +29,66 @@ std::string WithHelp(const emu::DeclaredField& f, const std::string& mapping) {
   return mapping.empty() ? f.help : f.help + " " + mapping;
 }
 
-ParamSpec SpecOf(const emu::DeclaredField& f, const emu::Instance& defaults) {
+ParamSpec SpecOf(const emu::DeclaredField& f) {
   ParamSpec spec;
   spec.field = &f;
   spec.name = f.label;
+  const std::string range = Number(Low(f)) + ".." + Number(Low(f) + Span(f));
   if (f.kind == "Selector") {
     spec.kind = ParamKind::Selector;
     std::string items;
-    const int32_t current = defaults.Value(f.key);
     const double steps = f.items.size() > 1 ? static_cast<double>(f.items.size() - 1) : 1.0;
     for (size_t i = 0; i < f.items.size(); ++i) {
       items += (i == 0 ? "" : ", ") + Number(static_cast<double>(i) / steps) + " = " + f.items[i].label;
-      if (f.items[i].value == current) spec.initial.number = static_cast<double>(i) / steps;
     }
     spec.explanation = WithHelp(f, "Items, spread evenly over 0..1 (the nearest is taken): " + items + ".");
   } else if (f.kind == "Long") {
     spec.kind = ParamKind::Long;
-    spec.initial.number = ToUnit(f, defaults.Value(f.key));
-    spec.explanation = WithHelp(f, "0..1 stands for " + Number(Low(f)) + ".." + Number(Low(f) + Span(f)) +
-                                       " (rounded to the nearest whole number).");
+    spec.explanation = WithHelp(f, "0..1 stands for " + range + " (rounded to the nearest whole number).");
   } else if (f.kind == "Bool") {
     spec.kind = ParamKind::Bool;
     spec.type = F0R_PARAM_BOOL;
-    spec.initial.number = defaults.Value(f.key) != 0 ? 1.0 : 0.0;
     spec.explanation = f.help;
   } else if (f.kind == "RGBcolor") {
     spec.kind = ParamKind::Color;
     spec.type = F0R_PARAM_COLOR;
-    const KrColor c = defaults.Color(f.key);
-    spec.initial.color = {c.Red / 255.0f, c.Green / 255.0f, c.Blue / 255.0f};
     spec.explanation = f.help;
   } else {  // "Alpha", "FloatA": a curve the host evaluates at Progress
     spec.kind = ParamKind::Curve;
-    const std::vector<emu::CurvePoint>& curve = defaults.Curve(f.key);
-    spec.initial.number = curve.empty() ? 0.0 : ToUnit(f, curve.front().value);
-    const std::string range = f.hasRange ? "0..1 stands for " + Number(Low(f)) + ".." + Number(Low(f) + Span(f)) + ", "
-                                         : "The value ";
-    spec.explanation = WithHelp(f, range + "held for the whole transition; until it is set, the declared curve applies.");
+    spec.explanation = WithHelp(f, (f.hasRange ? "0..1 stands for " + range + ", " : std::string("The value ")) +
+                                       "held for the whole transition; until it is set, the declared curve applies.");
   }
   return spec;
+}
+
+// The instance's value of a field as a frei0r value; a curve by its first point.
+ParamValue ValueOf(const ParamSpec& spec, const emu::Instance& instance) {
+  ParamValue value;
+  if (spec.field == nullptr) return value;
+  const emu::DeclaredField& f = *spec.field;
+  switch (spec.kind) {
+    case ParamKind::Selector: {
+      const int32_t current = instance.Value(f.key);
+      for (size_t i = 0; i < f.items.size(); ++i) {
+        if (f.items[i].value == current && f.items.size() > 1) value.number = static_cast<double>(i) / (f.items.size() - 1);
+      }
+      break;
+    }
+    case ParamKind::Long: value.number = ToUnit(f, instance.Value(f.key)); break;
+    case ParamKind::Bool: value.number = instance.Value(f.key) != 0 ? 1.0 : 0.0; break;
+    case ParamKind::Color: {
+      const KrColor c = instance.Color(f.key);
+      value.color = {c.Red / 255.0f, c.Green / 255.0f, c.Blue / 255.0f};
+      break;
+    }
+    case ParamKind::Curve: {
+      const std::vector<emu::CurvePoint>& curve = instance.Curve(f.key);
+      value.number = curve.empty() ? 0.0 : ToUnit(f, curve.front().value);
+      break;
+    }
+    case ParamKind::Progress: break;
+  }
+  return value;
 }
 
 }  // namespace
@@ -98,15 +119,21 @@ KrColor ColorValue(const f0r_param_color_t& c) {
 
 double CurveValue(const emu::DeclaredField& f, double x) { return Low(f) + Clamped01(x) * Span(f); }
 
-std::vector<ParamSpec> ParamsOf(const emu::DeclaredEffect& effect, const emu::Instance& defaults) {
+std::vector<ParamSpec> ParamsOf(const emu::DeclaredEffect& effect) {
   std::vector<ParamSpec> specs(1);
   specs[0].name = "progress";
   specs[0].explanation =
       "Position in the transition: 0 shows the first clip, 1 the second. Animate it from 0 to 1 over the transition.";
   for (const emu::DeclaredField& f : effect.fields) {
-    if (f.kind != "Input") specs.push_back(SpecOf(f, defaults));
+    if (f.kind != "Input") specs.push_back(SpecOf(f));
   }
   return specs;
+}
+
+std::vector<ParamValue> ValuesOf(const std::vector<ParamSpec>& specs, const emu::Instance& instance) {
+  std::vector<ParamValue> values;
+  for (const ParamSpec& spec : specs) values.push_back(ValueOf(spec, instance));
+  return values;
 }
 
 void ApplyParam(const ParamSpec& spec, const ParamValue& value, emu::Instance& instance) {

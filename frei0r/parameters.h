@@ -27,11 +27,14 @@ struct ParamSpec {
   std::string name;                           // the field's label; "progress"
   std::string explanation;                    // the field's help and how 0..1 maps onto it
   int type = F0R_PARAM_DOUBLE;
-  ParamValue initial;                         // the transition's default, as a frei0r value
 };
 
-// The parameters of `effect`; `defaults` is a freshly initialised instance of it.
-std::vector<ParamSpec> ParamsOf(const emu::DeclaredEffect& effect, const emu::Instance& defaults);
+// The parameters of `effect`.
+std::vector<ParamSpec> ParamsOf(const emu::DeclaredEffect& effect);
+// The instance's field values as frei0r values, one per parameter (Progress
+// 0): what a fresh instance reports as its defaults. A curve gives the value
+// it starts with.
+std::vector<ParamValue> ValuesOf(const std::vector<ParamSpec>& specs, const emu::Instance& instance);
 
 // Sets the field of `spec` in `instance` from a frei0r value (not Progress).
 void ApplyParam(const ParamSpec& spec, const ParamValue& value, emu::Instance& instance);

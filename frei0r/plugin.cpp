@@ -7,7 +7,6 @@
 #include <mutex>
 #include <stdexcept>
 
-#include "emulator/instance.h"
 #include "emulator/test_profile.h"
 
 namespace krl::frei0r {
@@ -26,8 +25,9 @@ std::shared_ptr<const Loaded> Load() {
   if (!loaded->host) throw std::runtime_error(error);
   loaded->effect = loaded->host->FindEffect(TransitionName());
   if (loaded->effect == nullptr) throw std::runtime_error(LibraryPath() + " declares no \"" + TransitionName() + "\"");
-  const emu::Instance defaults(*loaded->host, *loaded->effect);
-  loaded->params = ParamsOf(*loaded->effect, defaults);
+  // No instance here: an init may draw from rand(), and the instances a host
+  // makes should find the process as krl's do.
+  loaded->params = ParamsOf(*loaded->effect);
   const emu::TestProfile* profile = emu::FindProfile(*loaded->effect);
   loaded->sharedState = profile == nullptr || profile->sharedState;
   loaded->explanation = loaded->effect->description + " (" + loaded->effect->name + ")";
