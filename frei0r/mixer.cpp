@@ -10,6 +10,8 @@
 namespace krl::frei0r {
 namespace {
 
+// Held by the renders of a transition with process-wide state (its test
+// profile says so), so that two instances of it never render at once.
 std::mutex gSharedStateRenders;
 
 }  // namespace

@@ -9,9 +9,10 @@ namespace {
 
 double Clamped01(double x) { return x >= 0.0 ? std::min(x, 1.0) : 0.0; }  // NaN fails >= and gives 0
 
-std::string Number(double v) {
+// Ranges in full (1..30000), item positions to four places (0.3333).
+std::string Number(double v, const char* format = "%g") {
   char text[32];
-  std::snprintf(text, sizeof text, "%.4g", v);
+  std::snprintf(text, sizeof text, format, v);
   return text;
 }
 
@@ -39,7 +40,7 @@ ParamSpec SpecOf(const emu::DeclaredField& f) {
     std::string items;
     const double steps = f.items.size() > 1 ? static_cast<double>(f.items.size() - 1) : 1.0;
     for (size_t i = 0; i < f.items.size(); ++i) {
-      items += (i == 0 ? "" : ", ") + Number(static_cast<double>(i) / steps) + " = " + f.items[i].label;
+      items += (i == 0 ? "" : ", ") + Number(static_cast<double>(i) / steps, "%.4g") + " = " + f.items[i].label;
     }
     spec.explanation = WithHelp(f, "Items, spread evenly over 0..1 (the nearest is taken): " + items + ".");
   } else if (f.kind == "Long") {
