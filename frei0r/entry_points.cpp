@@ -59,8 +59,8 @@ void f0r_get_param_info(f0r_param_info_t* info, int index) {
     *info = f0r_param_info_t{"", F0R_PARAM_DOUBLE, ""};
     return;
   }
-  const krl::frei0r::ParamSpec& spec = loaded->params[static_cast<size_t>(index)];
-  *info = f0r_param_info_t{spec.name.c_str(), spec.type, spec.explanation.c_str()};
+  const krl::frei0r::Param& param = loaded->params[static_cast<size_t>(index)];
+  *info = f0r_param_info_t{param.name.c_str(), param.type, param.explanation.c_str()};
 }
 
 f0r_instance_t f0r_construct(unsigned int width, unsigned int height) {

@@ -36,14 +36,14 @@ Mixer::Mixer(std::shared_ptr<const Loaded> loaded, size_t width, size_t height)
 
 void Mixer::Set(int index, const void* value) {
   if (value == nullptr || index < 0 || static_cast<size_t>(index) >= values_.size()) return;
-  const ParamSpec& spec = loaded_->params[static_cast<size_t>(index)];
+  const Param& param = loaded_->params[static_cast<size_t>(index)];
   ParamValue& stored = values_[static_cast<size_t>(index)];
-  if (spec.type == F0R_PARAM_COLOR) {
+  if (param.type == F0R_PARAM_COLOR) {
     std::memcpy(&stored.color, value, sizeof stored.color);
   } else {
     std::memcpy(&stored.number, value, sizeof stored.number);
   }
-  if (spec.kind != ParamKind::Progress) ApplyParam(spec, stored, instance_);
+  if (param.kind != ParamKind::Progress) ApplyParam(param, stored, instance_);
 }
 
 void Mixer::Get(int index, void* value) const {

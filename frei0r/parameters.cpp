@@ -30,44 +30,44 @@ std::string WithHelp(const emu::DeclaredField& f, const std::string& mapping) {
   return mapping.empty() ? f.help : f.help + " " + mapping;
 }
 
-ParamSpec SpecOf(const emu::DeclaredField& f) {
-  ParamSpec spec;
-  spec.field = &f;
-  spec.name = f.label;
+Param ParamOf(const emu::DeclaredField& f) {
+  Param param;
+  param.field = &f;
+  param.name = f.label;
   const std::string range = Number(Low(f)) + ".." + Number(Low(f) + Span(f));
   if (f.kind == "Selector") {
-    spec.kind = ParamKind::Selector;
+    param.kind = ParamKind::Selector;
     std::string items;
     const double steps = f.items.size() > 1 ? static_cast<double>(f.items.size() - 1) : 1.0;
     for (size_t i = 0; i < f.items.size(); ++i) {
       items += (i == 0 ? "" : ", ") + Number(static_cast<double>(i) / steps, "%.4g") + " = " + f.items[i].label;
     }
-    spec.explanation = WithHelp(f, "Items, spread evenly over 0..1 (the nearest is taken): " + items + ".");
+    param.explanation = WithHelp(f, "Items, spread evenly over 0..1 (the nearest is taken): " + items + ".");
   } else if (f.kind == "Long") {
-    spec.kind = ParamKind::Long;
-    spec.explanation = WithHelp(f, "0..1 stands for " + range + " (rounded to the nearest whole number).");
+    param.kind = ParamKind::Long;
+    param.explanation = WithHelp(f, "0..1 stands for " + range + " (rounded to the nearest whole number).");
   } else if (f.kind == "Bool") {
-    spec.kind = ParamKind::Bool;
-    spec.type = F0R_PARAM_BOOL;
-    spec.explanation = f.help;
+    param.kind = ParamKind::Bool;
+    param.type = F0R_PARAM_BOOL;
+    param.explanation = f.help;
   } else if (f.kind == "RGBcolor") {
-    spec.kind = ParamKind::Color;
-    spec.type = F0R_PARAM_COLOR;
-    spec.explanation = f.help;
+    param.kind = ParamKind::Color;
+    param.type = F0R_PARAM_COLOR;
+    param.explanation = f.help;
   } else {  // "Alpha", "FloatA": a curve the host evaluates at Progress
-    spec.kind = ParamKind::Curve;
-    spec.explanation = WithHelp(f, (f.hasRange ? "0..1 stands for " + range + ", " : std::string("The value ")) +
+    param.kind = ParamKind::Curve;
+    param.explanation = WithHelp(f, (f.hasRange ? "0..1 stands for " + range + ", " : std::string("The value ")) +
                                        "held for the whole transition; until it is set, the declared curve applies.");
   }
-  return spec;
+  return param;
 }
 
 // The instance's value of a field as a frei0r value; a curve by its first point.
-ParamValue ValueOf(const ParamSpec& spec, const emu::Instance& instance) {
+ParamValue ValueOf(const Param& param, const emu::Instance& instance) {
   ParamValue value;
-  if (spec.field == nullptr) return value;
-  const emu::DeclaredField& f = *spec.field;
-  switch (spec.kind) {
+  if (param.field == nullptr) return value;
+  const emu::DeclaredField& f = *param.field;
+  switch (param.kind) {
     case ParamKind::Selector: {
       const int32_t current = instance.Value(f.key);
       for (size_t i = 0; i < f.items.size(); ++i) {
@@ -120,26 +120,26 @@ KrColor ColorValue(const f0r_param_color_t& c) {
 
 double CurveValue(const emu::DeclaredField& f, double x) { return Low(f) + Clamped01(x) * Span(f); }
 
-std::vector<ParamSpec> ParamsOf(const emu::DeclaredEffect& effect) {
-  std::vector<ParamSpec> specs(1);
-  specs[0].name = "progress";
-  specs[0].explanation =
+std::vector<Param> ParamsOf(const emu::DeclaredEffect& effect) {
+  std::vector<Param> params(1);
+  params[0].name = "progress";
+  params[0].explanation =
       "Position in the transition: 0 shows the first clip, 1 the second. Animate it from 0 to 1 over the transition.";
   for (const emu::DeclaredField& f : effect.fields) {
-    if (f.kind != "Input") specs.push_back(SpecOf(f));
+    if (f.kind != "Input") params.push_back(ParamOf(f));
   }
-  return specs;
+  return params;
 }
 
-std::vector<ParamValue> ValuesOf(const std::vector<ParamSpec>& specs, const emu::Instance& instance) {
+std::vector<ParamValue> ValuesOf(const std::vector<Param>& params, const emu::Instance& instance) {
   std::vector<ParamValue> values;
-  for (const ParamSpec& spec : specs) values.push_back(ValueOf(spec, instance));
+  for (const Param& param : params) values.push_back(ValueOf(param, instance));
   return values;
 }
 
-void ApplyParam(const ParamSpec& spec, const ParamValue& value, emu::Instance& instance) {
-  const emu::DeclaredField& f = *spec.field;
-  switch (spec.kind) {
+void ApplyParam(const Param& param, const ParamValue& value, emu::Instance& instance) {
+  const emu::DeclaredField& f = *param.field;
+  switch (param.kind) {
     case ParamKind::Selector: instance.SetValue(f.key, SelectorValue(f, value.number)); break;
     case ParamKind::Long: instance.SetValue(f.key, LongValue(f, value.number)); break;
     case ParamKind::Bool: instance.SetValue(f.key, BoolValue(value.number) ? 1 : 0); break;

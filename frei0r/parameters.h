@@ -21,7 +21,7 @@ struct ParamValue {
   f0r_param_color_t color{0.0f, 0.0f, 0.0f};
 };
 
-struct ParamSpec {
+struct Param {
   ParamKind kind = ParamKind::Progress;
   const emu::DeclaredField* field = nullptr;  // null for Progress
   std::string name;                           // the field's label; "progress"
@@ -30,14 +30,14 @@ struct ParamSpec {
 };
 
 // The parameters of `effect`.
-std::vector<ParamSpec> ParamsOf(const emu::DeclaredEffect& effect);
+std::vector<Param> ParamsOf(const emu::DeclaredEffect& effect);
 // The instance's field values as frei0r values, one per parameter (Progress
 // 0): what a fresh instance reports as its defaults. A curve gives the value
 // it starts with.
-std::vector<ParamValue> ValuesOf(const std::vector<ParamSpec>& specs, const emu::Instance& instance);
+std::vector<ParamValue> ValuesOf(const std::vector<Param>& params, const emu::Instance& instance);
 
-// Sets the field of `spec` in `instance` from a frei0r value (not Progress).
-void ApplyParam(const ParamSpec& spec, const ParamValue& value, emu::Instance& instance);
+// Sets the field of `param` in `instance` from a frei0r value (not Progress).
+void ApplyParam(const Param& param, const ParamValue& value, emu::Instance& instance);
 
 // The mappings, one per field kind. Every one holds its value to 0..1 and
 // reads NaN as 0.

@@ -19,7 +19,7 @@ const char* TransitionName();
 struct Loaded {
   std::unique_ptr<emu::Host> host;
   const emu::DeclaredEffect* effect = nullptr;
-  std::vector<ParamSpec> params;
+  std::vector<Param> params;
   // Its renders touch process-wide state (rand(), module variables), so
   // they must not overlap: the plug-in takes them one at a time.
   bool sharedState = true;

@@ -84,19 +84,19 @@ TEST(Frei0rParameters, ReportedDefaultsGiveBackTheInitDefaults) {
   for (const emu::DeclaredEffect& effect : host.effects()) {
     const emu::Instance defaults(host, effect);
     emu::Instance set(host, effect);
-    const std::vector<ParamSpec> specs = ParamsOf(effect);
-    const std::vector<ParamValue> reported = ValuesOf(specs, defaults);
-    ASSERT_EQ(specs[0].kind, ParamKind::Progress);
-    ASSERT_EQ(reported.size(), specs.size());
-    for (size_t i = 1; i < specs.size(); ++i) {
-      const ParamSpec& spec = specs[i];
-      ApplyParam(spec, reported[i], set);
-      const std::string& key = spec.field->key;
+    const std::vector<Param> params = ParamsOf(effect);
+    const std::vector<ParamValue> reported = ValuesOf(params, defaults);
+    ASSERT_EQ(params[0].kind, ParamKind::Progress);
+    ASSERT_EQ(reported.size(), params.size());
+    for (size_t i = 1; i < params.size(); ++i) {
+      const Param& param = params[i];
+      ApplyParam(param, reported[i], set);
+      const std::string& key = param.field->key;
       const std::string where = effect.DisplayName() + " " + key;
-      if (spec.kind == ParamKind::Color) {
+      if (param.kind == ParamKind::Color) {
         const KrColor got = set.Color(key), want = defaults.Color(key);
         EXPECT_EQ(std::memcmp(&got, &want, sizeof got), 0) << where;
-      } else if (spec.kind == ParamKind::Curve) {
+      } else if (param.kind == ParamKind::Curve) {
         EXPECT_NEAR(set.Curve(key).front().value, defaults.Curve(key).front().value, 1e-9) << where;
       } else {
         EXPECT_EQ(set.Value(key), defaults.Value(key)) << where;
