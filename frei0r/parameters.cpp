@@ -25,6 +25,11 @@ double ToUnit(const emu::DeclaredField& f, double value) {
   return span > 0.0 ? Clamped01((value - Low(f)) / span) : 0.0;
 }
 
+// Item i of a selector sits at i/(n-1) of 0..1.
+double ItemPosition(const emu::DeclaredField& f, size_t i) {
+  return f.items.size() > 1 ? static_cast<double>(i) / static_cast<double>(f.items.size() - 1) : 0.0;
+}
+
 std::string WithHelp(const emu::DeclaredField& f, const std::string& mapping) {
   if (f.help.empty()) return mapping;
   return mapping.empty() ? f.help : f.help + " " + mapping;
@@ -38,9 +43,8 @@ Param ParamOf(const emu::DeclaredField& f) {
   if (f.kind == "Selector") {
     param.kind = ParamKind::Selector;
     std::string items;
-    const double steps = f.items.size() > 1 ? static_cast<double>(f.items.size() - 1) : 1.0;
     for (size_t i = 0; i < f.items.size(); ++i) {
-      items += (i == 0 ? "" : ", ") + Number(static_cast<double>(i) / steps, "%.4g") + " = " + f.items[i].label;
+      items += (i == 0 ? "" : ", ") + Number(ItemPosition(f, i), "%.4g") + " = " + f.items[i].label;
     }
     param.explanation = WithHelp(f, "Items, spread evenly over 0..1 (the nearest is taken): " + items + ".");
   } else if (f.kind == "Long") {
@@ -71,7 +75,7 @@ ParamValue ValueOf(const Param& param, const emu::Instance& instance) {
     case ParamKind::Selector: {
       const int32_t current = instance.Value(f.key);
       for (size_t i = 0; i < f.items.size(); ++i) {
-        if (f.items[i].value == current && f.items.size() > 1) value.number = static_cast<double>(i) / (f.items.size() - 1);
+        if (f.items[i].value == current) value.number = ItemPosition(f, i);
       }
       break;
     }

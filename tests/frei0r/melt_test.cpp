@@ -48,10 +48,10 @@ std::string Quoted(const std::string& text) { return "'" + text + "'"; }
 // A profile of kWidth x kHeight square pixels, 25 frames a second.
 std::string WriteProfile(const std::string& dir) {
   const std::string path = dir + "/profile";
-  WriteFile(path, "description=krl frei0r test\nframe_rate_num=25\nframe_rate_den=1\nwidth=" + std::to_string(kWidth) +
-                      "\nheight=" + std::to_string(kHeight) +
-                      "\nprogressive=1\nsample_aspect_num=1\nsample_aspect_den=1\ndisplay_aspect_num=" +
-                      std::to_string(kWidth) + "\ndisplay_aspect_den=" + std::to_string(kHeight) + "\ncolorspace=709\n");
+  const std::string w = std::to_string(kWidth), h = std::to_string(kHeight);
+  WriteFile(path, "description=krl frei0r test\nframe_rate_num=25\nframe_rate_den=1\nwidth=" + w + "\nheight=" + h +
+                      "\nprogressive=1\nsample_aspect_num=1\nsample_aspect_den=1\ndisplay_aspect_num=" + w +
+                      "\ndisplay_aspect_den=" + h + "\ncolorspace=709\n");
   return path;
 }
 
