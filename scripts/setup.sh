@@ -7,7 +7,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 packages=(cmake make g++ g++-multilib googletest libstb-dev libbenchmark-dev clang libclang-rt-14-dev
-          ffmpeg chromium)
+          ffmpeg chromium melt frei0r-plugins-dev)
 # A kernel without 32-bit user mode cannot start the i386 build's programs;
 # there they run under user-mode emulation (see scripts/i386-runner.sh).
 scripts/i386-runner.sh --check || packages+=(qemu-user)
