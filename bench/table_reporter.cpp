@@ -17,7 +17,7 @@ void TableReporter::Write(std::FILE* out, const std::string& title, const std::v
   if (tabSeparated) {
     std::fprintf(out, "# %s\n", title.c_str());
   } else {
-    std::fprintf(out, "\n%s\n%-44s %10s %9s %9s\n", title.c_str(), "transition / size / setting", "ms/frame", "MP/s",
+    std::fprintf(out, "\n%s\n%-50s %10s %9s %9s\n", title.c_str(), "transition / size / setting", "ms/frame", "MP/s",
                  "x floor");
   }
   for (const std::string& name : order) {
@@ -30,7 +30,7 @@ void TableReporter::Write(std::FILE* out, const std::string& title, const std::v
     const int w = std::atoi(size.c_str()), h = std::atoi(size.c_str() + size.find('x') + 1);
     const double ratio = floor == msPerFrame_.end() ? 0.0 : it->second / floor->second;
     const double megapixelsPerSecond = w * h / (it->second * 1e3);
-    std::fprintf(out, tabSeparated ? "%s\t%.3f\t%.1f\t%.2f\n" : "%-44s %10.3f %9.1f %9.2f\n", name.c_str(), it->second,
+    std::fprintf(out, tabSeparated ? "%s\t%.3f\t%.1f\t%.2f\n" : "%-50s %10.3f %9.1f %9.2f\n", name.c_str(), it->second,
                  megapixelsPerSecond, ratio);
   }
 }

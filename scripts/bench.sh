@@ -27,11 +27,11 @@ awk -F'\t' '
   { ms64[$1] = $2; x64[$1] = $4 }
   END {
     for (f in title) if (title[f] ~ /emulator/) print "NOTE: " title[f]
-    printf "%-44s %21s   %21s\n", "", "--- i386 build ---", "-- x86-64 build --"
-    printf "%-44s %10s %10s   %10s %10s %9s\n", "transition / size / setting", "ms/frame", "x floor", "ms/frame", "x floor", "i386/x64"
+    printf "%-50s %21s   %21s\n", "", "--- i386 build ---", "-- x86-64 build --"
+    printf "%-50s %10s %10s   %10s %10s %9s\n", "transition / size / setting", "ms/frame", "x floor", "ms/frame", "x floor", "i386/x64"
     for (i = 1; i <= n; ++i) {
       k = order[i]
       if (!(k in ms64)) continue
-      printf "%-44s %10.3f %10.2f   %10.3f %10.2f %9.2f\n", k, ms32[k], x32[k], ms64[k], x64[k], ms64[k] > 0 ? ms32[k] / ms64[k] : 0
+      printf "%-50s %10.3f %10.2f   %10.3f %10.2f %9.2f\n", k, ms32[k], x32[k], ms64[k], x64[k], (ms64[k] > 0 ? ms32[k] / ms64[k] : 0)
     }
   }' "$out/i386.tsv" "$out/x64.tsv"
