@@ -19,8 +19,7 @@ for abi in i386 x64; do
   build/$abi/bin/krl_bench --quiet-table --out "$out/$abi.json" --table "$out/$abi.tsv" "$@" >"$out/$abi.log"
 done
 
-model=$(lscpu | sed -n 's/^Model name: *//p' | head -1)
-echo "machine: $model, $(nproc) CPUs, $(uname -m) kernel"
+scripts/machine.sh
 awk -F'\t' '
   FNR == 1 { title[FILENAME] = substr($0, 3); next }
   FILENAME == ARGV[1] { order[++n] = $1; ms32[$1] = $2; x32[$1] = $4; next }

@@ -89,8 +89,8 @@ measure() {
   done
 }
 
-model=$(lscpu | sed -n 's/^Model name: *//p' | head -1)
-echo "machine: $model, $(nproc) CPUs; $(ffmpeg -hide_banner -version | head -1 | cut -d' ' -f1-3), single-threaded"
+scripts/machine.sh
+echo "$(ffmpeg -hide_banner -version | head -1 | cut -d' ' -f1-3), single-threaded"
 echo "ms per frame; ours: median over a sweep of Progress (wall clock); xfade: CPU time of $repeats runs (median)"
 echo "of ${frames[1920x1080]} (1920x1080) or ${frames[720x576]} (720x576) frames, less the same pipeline without the xfade"
 echo
