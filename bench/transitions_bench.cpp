@@ -10,7 +10,7 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
+#include <ctime>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -60,22 +60,29 @@ double Median(std::vector<double>& values) {
   return (values[middle] + *std::max_element(values.begin(), values.begin() + middle)) / 2;
 }
 
+// The CPU time of this thread: a frame's own work, not the time other
+// processes on a shared machine held the core while it waited.
+double ThreadSeconds() {
+  timespec t{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+  return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
+}
+
 // Runs `frame(progress)` once an iteration, Progress stepping through
 // kProgress, and times each frame. The run's time per frame is the median at
 // each position of the sweep, averaged over the sweep: every position counts
-// alike, and frames slowed by other work on a shared machine hardly move it.
+// alike, and the odd frame slowed by a cold cache or an interrupt hardly moves it.
 template <class OneFrame>
 void TimeSweep(benchmark::State& state, const Size& size, OneFrame&& frame) {
-  using Clock = std::chrono::steady_clock;
   std::array<std::vector<double>, std::size(kProgress)> seconds;
   for (std::vector<double>& s : seconds) s.reserve(static_cast<size_t>(state.max_iterations) / seconds.size() + 1);
   size_t n = 0;
   for (auto _ : state) {
     const size_t position = n++ % seconds.size();
-    const Clock::time_point start = Clock::now();
+    const double start = ThreadSeconds();
     frame(kProgress[position]);
     benchmark::ClobberMemory();
-    seconds[position].push_back(std::chrono::duration<double>(Clock::now() - start).count());
+    seconds[position].push_back(ThreadSeconds() - start);
   }
   double sum = 0;
   int positions = 0;
