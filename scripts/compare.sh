@@ -91,7 +91,7 @@ measure() {
 
 scripts/machine.sh
 echo "$(ffmpeg -hide_banner -version | head -1 | cut -d' ' -f1-3), single-threaded"
-echo "ms per frame; ours: median over a sweep of Progress (wall clock); xfade: CPU time of $repeats runs (median)"
+echo "ms per frame, CPU time; ours: medians over a sweep of Progress; xfade: the median of $repeats runs"
 echo "of ${frames[1920x1080]} (1920x1080) or ${frames[720x576]} (720x576) frames, less the same pipeline without the xfade"
 echo
 echo "Planar frames, as xfade takes them (gbrp: its RGB planes; it takes no yuv420p) - ours on 32-bit BGRA"
