@@ -10,10 +10,10 @@
 
 #include <algorithm>
 #include <array>
-#include <ctime>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <map>
 #include <memory>
 #include <string>
