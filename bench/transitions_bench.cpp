@@ -2,19 +2,25 @@
 // default fields and with its heavier setting, Progress swept over the frame
 // range; beside them two floors: a memcpy of one frame, and a loop that reads
 // two frames and writes one (a per-byte average). The table at the end gives
-// each transition's ratio to that read-two-write-one floor.
+// each transition's median time per frame and its ratio to that
+// read-two-write-one floor, measured in the same run.
 //
-//   build/x64/bin/krl_bench [--out results.json] [Google Benchmark flags]
+//   build/<abi>/bin/krl_bench [--out results.json] [--table table.tsv] [Google Benchmark flags]
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "bench/emulated_cpu.h"
+#include "bench/table_reporter.h"
 #include "cli/fields.h"
 #include "emulator/test_profile.h"
 #include "emulator/host.h"
@@ -23,6 +29,7 @@
 
 namespace {
 
+using krl::bench::kMedianCounter;
 using krl::emu::Frame;
 
 struct Size {
@@ -46,7 +53,45 @@ const Inputs& InputsOf(const Size& size) {
   return it->second;
 }
 
-void CountFrames(benchmark::State& state, const Size& size) {
+double Median(std::vector<double>& values) {
+  const size_t middle = values.size() / 2;
+  std::nth_element(values.begin(), values.begin() + middle, values.end());
+  if (values.size() % 2 == 1) return values[middle];
+  return (values[middle] + *std::max_element(values.begin(), values.begin() + middle)) / 2;
+}
+
+// The CPU time of this thread: a frame's own work, not the time other
+// processes on a shared machine held the core while it waited.
+double ThreadSeconds() {
+  timespec t{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+  return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
+}
+
+// Runs `frame(progress)` once an iteration, Progress stepping through
+// kProgress, and times each frame. The run's time per frame is the median at
+// each position of the sweep, averaged over the sweep: every position counts
+// alike, and the odd frame slowed by a cold cache or an interrupt hardly moves it.
+template <class OneFrame>
+void TimeSweep(benchmark::State& state, const Size& size, OneFrame&& frame) {
+  std::array<std::vector<double>, std::size(kProgress)> seconds;
+  for (std::vector<double>& s : seconds) s.reserve(static_cast<size_t>(state.max_iterations) / seconds.size() + 1);
+  size_t n = 0;
+  for (auto _ : state) {
+    const size_t position = n++ % seconds.size();
+    const double start = ThreadSeconds();
+    frame(kProgress[position]);
+    benchmark::ClobberMemory();
+    seconds[position].push_back(ThreadSeconds() - start);
+  }
+  double sum = 0;
+  int positions = 0;
+  for (std::vector<double>& s : seconds) {
+    if (s.empty()) continue;
+    sum += Median(s);
+    ++positions;
+  }
+  state.counters[kMedianCounter] = positions == 0 ? 0.0 : sum / positions * 1e3;
   const double frames = static_cast<double>(state.iterations());
   state.counters["frames/s"] = benchmark::Counter(frames, benchmark::Counter::kIsRate);
   state.counters["MP/s"] = benchmark::Counter(frames * size.w * size.h / 1e6, benchmark::Counter::kIsRate);
@@ -55,26 +100,22 @@ void CountFrames(benchmark::State& state, const Size& size) {
 void MemcpyFloor(benchmark::State& state, Size size) {
   const Inputs& in = InputsOf(size);
   Frame out(size.w, size.h);
-  for (auto _ : state) {
+  TimeSweep(state, size, [&](double) {
     std::memcpy(out.Bytes(), in.a.Bytes(), out.ByteCount());
     benchmark::DoNotOptimize(out.pixels.data());
-    benchmark::ClobberMemory();
-  }
-  CountFrames(state, size);
+  });
 }
 
 void ReadTwoWriteOneFloor(benchmark::State& state, Size size) {
   const Inputs& in = InputsOf(size);
   Frame out(size.w, size.h);
-  for (auto _ : state) {
+  TimeSweep(state, size, [&](double) {
     const uint8_t* a = in.a.Bytes();
     const uint8_t* b = in.b.Bytes();
     uint8_t* o = out.Bytes();
     for (size_t i = 0, n = out.ByteCount(); i < n; ++i) o[i] = static_cast<uint8_t>((a[i] + b[i]) >> 1);
     benchmark::DoNotOptimize(out.pixels.data());
-    benchmark::ClobberMemory();
-  }
-  CountFrames(state, size);
+  });
 }
 
 void Transition(benchmark::State& state, const krl::emu::Host* host, const krl::emu::DeclaredEffect* effect, Size size,
@@ -83,13 +124,10 @@ void Transition(benchmark::State& state, const krl::emu::Host* host, const krl::
   for (const std::string& s : settings) krl::cli::ApplySetting(instance, s);
   const Inputs& in = InputsOf(size);
   Frame out(size.w, size.h);
-  size_t frame = 0;
-  for (auto _ : state) {
-    instance.Render(in.a, in.b, out, kProgress[frame++ % std::size(kProgress)]);
+  TimeSweep(state, size, [&](double progress) {
+    instance.Render(in.a, in.b, out, progress);
     benchmark::DoNotOptimize(out.pixels.data());
-    benchmark::ClobberMemory();
-  }
-  CountFrames(state, size);
+  });
 }
 
 // Smouldering Paper caches its height field until the frame size, its degree
@@ -101,13 +139,11 @@ void RegeneratingEveryFrame(benchmark::State& state, const krl::emu::Host* host,
   const Inputs& in = InputsOf(size);
   Frame out(size.w, size.h);
   int32_t frame = 0;
-  for (auto _ : state) {
-    instance.SetValue("Variations of Transition", 1 + frame % 5000);
-    instance.Render(in.a, in.b, out, kProgress[frame++ % std::size(kProgress)]);
+  TimeSweep(state, size, [&](double progress) {
+    instance.SetValue("Variations of Transition", 1 + frame++ % 5000);
+    instance.Render(in.a, in.b, out, progress);
     benchmark::DoNotOptimize(out.pixels.data());
-    benchmark::ClobberMemory();
-  }
-  CountFrames(state, size);
+  });
 }
 
 // How many rand() calls one regeneration makes. The transition reseeds
@@ -136,49 +172,25 @@ int64_t RandCallsOfARegeneration(const krl::emu::Host* host, const krl::emu::Dec
 void RandCallsOfRegeneration(benchmark::State& state, const krl::emu::Host* host, const krl::emu::DeclaredEffect* effect,
                              Size size) {
   const int64_t calls = RandCallsOfARegeneration(host, effect, size);
-  for (auto _ : state) {
+  TimeSweep(state, size, [&](double) {
     for (int64_t i = 0; i < calls; ++i) benchmark::DoNotOptimize(std::rand());
-  }
+  });
   state.counters["rand() calls"] = static_cast<double>(calls);
-  CountFrames(state, size);
 }
-
-// Collects each run's time per frame for the table at the end.
-class TableReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.iterations > 0) msPerFrame_[run.run_name.function_name] = run.real_accumulated_time * 1e3 / run.iterations;
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  void PrintTable(const std::vector<std::string>& order) const {
-    std::printf("\n%-44s %10s %9s %9s\n", "transition / size / setting", "ms/frame", "MP/s", "x floor");
-    for (const std::string& name : order) {
-      auto it = msPerFrame_.find(name);
-      if (it == msPerFrame_.end()) continue;
-      const std::string size = name.substr(name.find('/') + 1, name.find('/', name.find('/') + 1) - name.find('/') - 1);
-      auto floor = msPerFrame_.find("floor read2write1/" + size);
-      const int w = std::atoi(size.c_str()), h = std::atoi(size.c_str() + size.find('x') + 1);
-      const double ratio = floor == msPerFrame_.end() ? 0.0 : it->second / floor->second;
-      std::printf("%-44s %10.3f %9.1f %9.2f\n", name.c_str(), it->second, w * h / (it->second * 1e3), ratio);
-    }
-  }
-
- private:
-  std::map<std::string, double> msPerFrame_;
-};
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  // Our own flags: --out FILE (JSON results), --quiet-table (no table).
+  // Our own flags: --out FILE (JSON results), --table FILE (the table,
+  // tab-separated), --quiet-table (no table on standard output).
   std::vector<char*> args;
-  std::string outFlag;
+  std::string outFlag, tablePath;
   bool table = true;
   for (int i = 0; i < argc; ++i) {
     if (std::strcmp(argv[i], "--out") == 0 && i + 1 < argc) {
       outFlag = std::string("--benchmark_out=") + argv[++i];
+    } else if (std::strcmp(argv[i], "--table") == 0 && i + 1 < argc) {
+      tablePath = argv[++i];
     } else if (std::strcmp(argv[i], "--quiet-table") == 0) {
       table = false;
     } else {
@@ -221,9 +233,25 @@ int main(int argc, char** argv) {
       }
     }
   }
-  TableReporter reporter;
+  std::string title = sizeof(void*) == 4 ? "i386 build" : "x86-64 build";
+  const std::string emulator = krl::bench::EmulatorOfThisProgram();
+  if (!emulator.empty()) {
+    title += ", run by the emulator " + emulator + ": these times measure the emulator, not the library";
+    std::fprintf(stderr, "krl_bench: %s\n", title.c_str());
+    benchmark::AddCustomContext("emulator", emulator);
+  }
+  krl::bench::TableReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
-  if (table) reporter.PrintTable(order);
+  if (table) reporter.Write(stdout, title, order, false);
+  if (!tablePath.empty()) {
+    std::FILE* file = std::fopen(tablePath.c_str(), "w");
+    if (!file) {
+      std::fprintf(stderr, "krl_bench: cannot write %s\n", tablePath.c_str());
+      return 1;
+    }
+    reporter.Write(file, title, order, true);
+    std::fclose(file);
+  }
   benchmark::Shutdown();
   return 0;
 }
