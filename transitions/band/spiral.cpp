@@ -7,6 +7,8 @@
 // the mapped u and v only rise or only fall, so the pixels inside A (or, with
 // anti-aliasing, not plainly B) form one run of columns, found by binary
 // search over that arithmetic; B is copied on either side of it.
+#include <emmintrin.h>
+
 #include <algorithm>
 
 #include "host/render_prologue.h"
@@ -51,24 +53,26 @@ class TurnedA {
   // Bands of rows, each painted in tiles of columns: the turned A pixels a
   // tile reads lie close together and stay in the caches.
   void Paint() const {
-    constexpr int32_t kBandRows = 32, kTileColumns = 64;
-    ColumnRange runs[kBandRows];
+    constexpr int32_t kBandRows = 32;
+    RowRuns runs[kBandRows];
     for (int32_t y0 = 0; y0 < rows_.height; y0 += kBandRows) {
       const int32_t n = std::min(kBandRows, rows_.height - y0);
       for (int32_t i = 0; i < n; ++i) {
         const int32_t y = y0 + i;
-        runs[i] = RunOf(RowOf(y));
+        const Row r = RowOf(y);
+        runs[i] = {RunOf(r), antiAlias_ ? WholeRunOf(r) : ColumnRange{0, 0}};
         PixelWord* out = rows_.Out(y);
         const PixelWord* b = rows_.B(y);
-        CopyRun(out, b, runs[i].begin);
-        CopyRun(out + runs[i].end, b + runs[i].end, rows_.width - runs[i].end);
+        CopyRun(out, b, runs[i].shown.begin);
+        CopyRun(out + runs[i].shown.end, b + runs[i].shown.end, rows_.width - runs[i].shown.end);
       }
       for (int32_t x0 = 0; x0 < rows_.width; x0 += kTileColumns) {
+        const ColumnRange tile{x0, std::min(x0 + kTileColumns, rows_.width)};
         for (int32_t i = 0; i < n; ++i) {
-          const ColumnRange span = Intersect(runs[i], {x0, std::min(x0 + kTileColumns, rows_.width)});
+          const ColumnRange span = Intersect(runs[i].shown, tile);
           if (span.begin >= span.end) continue;
           if (antiAlias_) {
-            PaintSoft(y0 + i, span);
+            PaintSoft(y0 + i, span, Intersect(runs[i].whole, span));
           } else {
             PaintNearest(y0 + i, span);
           }
@@ -78,8 +82,16 @@ class TurnedA {
   }
 
  private:
+  static constexpr int32_t kTileColumns = 64;
+
   struct Row {
     double yk2, yk1;  // Y x k2 and Y x k1
+  };
+
+  // The columns of a row that show A (or, with anti-aliasing, not plainly B),
+  // and among them those that show A's sample alone.
+  struct RowRuns {
+    ColumnRange shown, whole;
   };
 
   Row RowOf(int32_t y) const {
@@ -110,6 +122,26 @@ class TurnedA {
     return run;
   }
 
+  // With anti-aliasing, the columns whose e leaves no weight to B and whose
+  // four sample pixels lie inside A: by the same order argument each
+  // distance must do so on its own, together with its side's inside test,
+  // and both rise (or fall) with the distance.
+  ColumnRange WholeRunOf(const Row& r) const {
+    const double w = rows_.width, h = rows_.height;
+    const double lastColumn = rows_.width - 1, lastRow = rows_.height - 1;
+    const int32_t width = rows_.width;
+    auto whole = [&](double d) { return MixWeight(0.5 - d * g_) == 0; };
+    auto lowU = [&](int32_t x) { return whole(U(x, r)) && U(x, r) - 0.5 >= 0; };
+    auto highU = [&](int32_t x) { return whole(w - U(x, r)) && U(x, r) - 0.5 < lastColumn; };
+    auto lowV = [&](int32_t x) { return whole(V(x, r)) && V(x, r) - 0.5 >= 0; };
+    auto highV = [&](int32_t x) { return whole(h - V(x, r)) && V(x, r) - 0.5 < lastRow; };
+    ColumnRange run{0, width};
+    run = Intersect(run, HoldingRange(0, width, lowU));
+    run = Intersect(run, HoldingRange(0, width, highU));
+    run = Intersect(run, HoldingRange(0, width, lowV));
+    return Intersect(run, HoldingRange(0, width, highV));
+  }
+
   // Inside A, where 0 <= u < W and 0 <= v < H: floor(u) and floor(v) are
   // their truncations. The places are worked out for a stretch of the row
   // before any is read, so that the reads, which cross A's rows, overlap.
@@ -130,8 +162,16 @@ class TurnedA {
     }
   }
 
-  // edge(B, bilinear sample of A, e), the sample taken only where it shows.
-  void PaintSoft(int32_t y, ColumnRange run) const {
+  // edge(B, bilinear sample of A, e) over a tile's run; its part `whole`,
+  // within it, shows the sample alone.
+  void PaintSoft(int32_t y, ColumnRange run, ColumnRange whole) const {
+    if (whole.begin >= whole.end) whole = {run.end, run.end};
+    PaintBlended(y, {run.begin, whole.begin});
+    PaintWhole(y, whole);
+    PaintBlended(y, {whole.end, run.end});
+  }
+
+  void PaintBlended(int32_t y, ColumnRange run) const {
     const Row r = RowOf(y);
     PixelWord* out = rows_.Out(y);
     const PixelWord* b = rows_.B(y);
@@ -143,16 +183,55 @@ class TurnedA {
     }
   }
 
+  // Where a sample's four pixels lie: its top-left column and row, and its
+  // weights in 256ths across and up.
+  struct Taps {
+    int32_t column, row, fx, fy;
+  };
+
+  // The taps of a run of at most a tile, two columns at a time in SSE2
+  // doubles, each value rounded as the scalar formulas round it; then the
+  // samples, whose reads no longer wait on the arithmetic.
+  void PaintWhole(int32_t y, ColumnRange run) const {
+    Taps taps[kTileColumns + 1];
+    const Row r = RowOf(y);
+    const __m128d half = _mm_set1_pd(0.5), scale = _mm_set1_pd(256.0), two = _mm_set1_pd(2.0);
+    const __m128d k1 = _mm_set1_pd(k1_), k2 = _mm_set1_pd(k2_), cx = _mm_set1_pd(cx_), cy = _mm_set1_pd(cy_);
+    const __m128d yk2 = _mm_set1_pd(r.yk2), yk1 = _mm_set1_pd(r.yk1);
+    __m128d x = _mm_setr_pd(run.begin, run.begin + 1.0);
+    for (int32_t i = 0; i < run.end - run.begin; i += 2, x = _mm_add_pd(x, two)) {
+      const __m128d X = _mm_sub_pd(_mm_add_pd(x, half), cx);
+      const __m128d us = _mm_sub_pd(_mm_add_pd(cx, _mm_sub_pd(_mm_mul_pd(X, k1), yk2)), half);
+      const __m128d vs = _mm_sub_pd(_mm_add_pd(cy, _mm_add_pd(_mm_mul_pd(X, k2), yk1)), half);
+      // Inside A both are positive: truncation is floor.
+      const __m128i c = _mm_cvttpd_epi32(us), row = _mm_cvttpd_epi32(vs);
+      auto weight = [&](__m128d s, __m128i whole) {
+        return _mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(_mm_sub_pd(s, _mm_cvtepi32_pd(whole)), scale), half));
+      };
+      const __m128i places = _mm_unpacklo_epi32(c, row), weights = _mm_unpacklo_epi32(weight(us, c), weight(vs, row));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i]), _mm_unpacklo_epi64(places, weights));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i + 1]), _mm_unpackhi_epi64(places, weights));
+    }
+    PixelWord* out = rows_.Out(y) + run.begin;
+    for (int32_t i = 0; i < run.end - run.begin; ++i) out[i] = Weigh(taps[i]);
+  }
+
   // The bilinear sample of A; where its four pixels all lie inside the frame
-  // no read needs holding, and the bytes are weighed two pairs at a time.
+  // no read needs holding.
   uint32_t Bilinear(double u, double v) const {
     const double us = u - 0.5, vs = v - 0.5;
     if (!(us >= 0 && us < rows_.width - 1 && vs >= 0 && vs < rows_.height - 1)) return a_.Bilinear(u, v);
     const int32_t c = static_cast<int32_t>(us), row = static_cast<int32_t>(vs);
-    const auto fx = static_cast<uint64_t>(static_cast<int32_t>((us - c) * 256.0 + 0.5));
-    const auto fy = static_cast<uint64_t>(static_cast<int32_t>((vs - row) * 256.0 + 0.5));
-    const PixelWord* p0 = rows_.A(row) + c;
+    const int32_t fx = static_cast<int32_t>((us - c) * 256.0 + 0.5);
+    const int32_t fy = static_cast<int32_t>((vs - row) * 256.0 + 0.5);
+    return Weigh({c, row, fx, fy});
+  }
+
+  // The four pixels of taps inside A weighed, the bytes two pairs at a time.
+  uint32_t Weigh(const Taps& t) const {
+    const PixelWord* p0 = rows_.A(t.row) + t.column;
     const PixelWord* p1 = p0 + rows_.width;
+    const auto fx = static_cast<uint64_t>(t.fx), fy = static_cast<uint64_t>(t.fy);
     // Bytes 0, 2, 1, 3 in 16-bit lanes: a weighed pair of bytes stays below 2^16.
     auto spread = [](uint32_t p) { return (p & 0x00FF00FFull) | (static_cast<uint64_t>(p & 0xFF00FF00u) << 24); };
     const uint64_t q0 = spread(p0[0]) * (256 - fx) + spread(p0[1]) * fx;
