@@ -183,37 +183,49 @@ class TurnedA {
     }
   }
 
-  // Where a sample's four pixels lie: its top-left column and row, and its
-  // weights in 256ths across and up.
+  // Where a sample's four pixels lie, its top-left column and row, and its
+  // weights in 256ths across and up, each pair (256 - f) | f << 16 as
+  // pmaddwd takes it.
   struct Taps {
-    int32_t column, row, fx, fy;
+    int32_t column, row, wx, wy;
   };
+
+  static int32_t WeightPair(int32_t f) { return (256 - f) | (f << 16); }
+  static __m128i WeightPairs(__m128i f) {
+    return _mm_or_si128(_mm_sub_epi32(_mm_set1_epi32(256), f), _mm_slli_epi32(f, 16));
+  }
 
   // The taps of a run of at most a tile, two columns at a time in SSE2
   // doubles, each value rounded as the scalar formulas round it; then the
-  // samples, whose reads no longer wait on the arithmetic.
+  // samples two at a time, their reads no longer waiting on the arithmetic.
   void PaintWhole(int32_t y, ColumnRange run) const {
     Taps taps[kTileColumns + 1];
     const Row r = RowOf(y);
     const __m128d half = _mm_set1_pd(0.5), scale = _mm_set1_pd(256.0), two = _mm_set1_pd(2.0);
     const __m128d k1 = _mm_set1_pd(k1_), k2 = _mm_set1_pd(k2_), cx = _mm_set1_pd(cx_), cy = _mm_set1_pd(cy_);
     const __m128d yk2 = _mm_set1_pd(r.yk2), yk1 = _mm_set1_pd(r.yk1);
+    const int32_t n = run.end - run.begin;
     __m128d x = _mm_setr_pd(run.begin, run.begin + 1.0);
-    for (int32_t i = 0; i < run.end - run.begin; i += 2, x = _mm_add_pd(x, two)) {
+    for (int32_t i = 0; i < n; i += 2, x = _mm_add_pd(x, two)) {
       const __m128d X = _mm_sub_pd(_mm_add_pd(x, half), cx);
       const __m128d us = _mm_sub_pd(_mm_add_pd(cx, _mm_sub_pd(_mm_mul_pd(X, k1), yk2)), half);
       const __m128d vs = _mm_sub_pd(_mm_add_pd(cy, _mm_add_pd(_mm_mul_pd(X, k2), yk1)), half);
       // Inside A both are positive: truncation is floor.
       const __m128i c = _mm_cvttpd_epi32(us), row = _mm_cvttpd_epi32(vs);
-      auto weight = [&](__m128d s, __m128i whole) {
-        return _mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(_mm_sub_pd(s, _mm_cvtepi32_pd(whole)), scale), half));
+      auto weights = [&](__m128d s, __m128i whole) {
+        return WeightPairs(_mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(_mm_sub_pd(s, _mm_cvtepi32_pd(whole)), scale), half)));
       };
-      const __m128i places = _mm_unpacklo_epi32(c, row), weights = _mm_unpacklo_epi32(weight(us, c), weight(vs, row));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i]), _mm_unpacklo_epi64(places, weights));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i + 1]), _mm_unpackhi_epi64(places, weights));
+      const __m128i places = _mm_unpacklo_epi32(c, row), pairs = _mm_unpacklo_epi32(weights(us, c), weights(vs, row));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i]), _mm_unpacklo_epi64(places, pairs));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i + 1]), _mm_unpackhi_epi64(places, pairs));
     }
     PixelWord* out = rows_.Out(y) + run.begin;
-    for (int32_t i = 0; i < run.end - run.begin; ++i) out[i] = Weigh(taps[i]);
+    int32_t i = 0;
+    for (; i + 1 < n; i += 2) {
+      const __m128i bytes = _mm_packs_epi32(Weigh(taps[i]), Weigh(taps[i + 1]));
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), _mm_packus_epi16(bytes, bytes));
+    }
+    if (i < n) out[i] = Pixel(Weigh(taps[i]));
   }
 
   // The bilinear sample of A; where its four pixels all lie inside the frame
@@ -224,23 +236,31 @@ class TurnedA {
     const int32_t c = static_cast<int32_t>(us), row = static_cast<int32_t>(vs);
     const int32_t fx = static_cast<int32_t>((us - c) * 256.0 + 0.5);
     const int32_t fy = static_cast<int32_t>((vs - row) * 256.0 + 0.5);
-    return Weigh({c, row, fx, fy});
+    return Pixel(Weigh({c, row, WeightPair(fx), WeightPair(fy)}));
   }
 
-  // The four pixels of taps inside A weighed, the bytes two pairs at a time.
-  uint32_t Weigh(const Taps& t) const {
+  static uint32_t Pixel(__m128i bytes) {
+    const __m128i words = _mm_packs_epi32(bytes, bytes);
+    return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
+  }
+
+  // The four pixels of taps inside A weighed, a byte in each 32-bit lane.
+  // The sum of the four products is exact in whichever order it is formed:
+  // first up, each byte of the left and of the right pixels as
+  // P0 x (256 - fy) + P1 x fy; then across. Both sums are below 2^16, and
+  // less 2^15 they fit pmaddwd's signed halves; the 2^15 x 256 so taken off
+  // comes back with the 2^15 of the rounding.
+  __m128i Weigh(const Taps& t) const {
     const PixelWord* p0 = rows_.A(t.row) + t.column;
-    const PixelWord* p1 = p0 + rows_.width;
-    const auto fx = static_cast<uint64_t>(t.fx), fy = static_cast<uint64_t>(t.fy);
-    // Bytes 0, 2, 1, 3 in 16-bit lanes: a weighed pair of bytes stays below 2^16.
-    auto spread = [](uint32_t p) { return (p & 0x00FF00FFull) | (static_cast<uint64_t>(p & 0xFF00FF00u) << 24); };
-    const uint64_t q0 = spread(p0[0]) * (256 - fx) + spread(p0[1]) * fx;
-    const uint64_t q1 = spread(p1[0]) * (256 - fx) + spread(p1[1]) * fx;
-    // Then bytes 0 and 1, and 2 and 3, in 32-bit lanes.
-    constexpr uint64_t kLanes = 0x0000FFFF0000FFFFull, kHalf = 0x0000800000008000ull, kByte = 0x000000FF000000FFull;
-    const uint64_t low = (((q0 & kLanes) * (256 - fy) + (q1 & kLanes) * fy + kHalf) >> 16) & kByte;
-    const uint64_t high = ((((q0 >> 16) & kLanes) * (256 - fy) + ((q1 >> 16) & kLanes) * fy + kHalf) >> 16) & kByte;
-    return static_cast<uint32_t>((low & 0xFF) | ((low >> 32) << 8) | ((high & 0xFF) << 16) | ((high >> 32) << 24));
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i rows = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0)),
+                                           _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0 + rows_.width)));
+    const __m128i wy = _mm_set1_epi32(t.wy);
+    const __m128i left = _mm_madd_epi16(_mm_unpacklo_epi8(rows, zero), wy);
+    const __m128i right = _mm_madd_epi16(_mm_unpackhi_epi8(rows, zero), wy);
+    const __m128i pairs = _mm_xor_si128(_mm_or_si128(left, _mm_slli_epi32(right, 16)), _mm_set1_epi16(INT16_MIN));
+    const __m128i sum = _mm_add_epi32(_mm_madd_epi16(pairs, _mm_set1_epi32(t.wx)), _mm_set1_epi32(32768 * 257));
+    return _mm_srli_epi32(sum, 16);
   }
 
   double X(int32_t x) const { return (x + 0.5) - cx_; }
