@@ -68,14 +68,13 @@ class TurnedA {
       }
       for (int32_t x0 = 0; x0 < rows_.width; x0 += kTileColumns) {
         const ColumnRange tile{x0, std::min(x0 + kTileColumns, rows_.width)};
+        if (antiAlias_) {
+          PaintSoftTile(y0, runs, n, tile);
+          continue;
+        }
         for (int32_t i = 0; i < n; ++i) {
           const ColumnRange span = Intersect(runs[i].shown, tile);
-          if (span.begin >= span.end) continue;
-          if (antiAlias_) {
-            PaintSoft(y0 + i, span, Intersect(runs[i].whole, span));
-          } else {
-            PaintNearest(y0 + i, span);
-          }
+          if (span.begin < span.end) PaintNearest(y0 + i, span);
         }
       }
     }
@@ -162,13 +161,25 @@ class TurnedA {
     }
   }
 
-  // edge(B, bilinear sample of A, e) over a tile's run; its part `whole`,
-  // within it, shows the sample alone.
-  void PaintSoft(int32_t y, ColumnRange run, ColumnRange whole) const {
-    if (whole.begin >= whole.end) whole = {run.end, run.end};
-    PaintBlended(y, {run.begin, whole.begin});
-    PaintWhole(y, whole);
-    PaintBlended(y, {whole.end, run.end});
+  // edge(B, bilinear sample of A, e) over a tile of a band's rows: the
+  // taps of a row's part that shows the sample alone are found, and their
+  // pixels asked of the cache, while the row before is weighed.
+  void PaintSoftTile(int32_t y0, const RowRuns* runs, int32_t n, ColumnRange tile) const {
+    Taps taps[2][kTileColumns + 1];
+    auto wholeOf = [&](int32_t i) {
+      const ColumnRange span = Intersect(runs[i].shown, tile), whole = Intersect(runs[i].whole, span);
+      return whole.begin < whole.end ? whole : ColumnRange{span.end, span.end};
+    };
+    FindTaps(y0, wholeOf(0), taps[0]);
+    for (int32_t i = 0; i < n; ++i) {
+      if (i + 1 < n) FindTaps(y0 + i + 1, wholeOf(i + 1), taps[(i + 1) % 2]);
+      const ColumnRange span = Intersect(runs[i].shown, tile);
+      if (span.begin >= span.end) continue;
+      const ColumnRange whole = wholeOf(i);
+      PaintBlended(y0 + i, {span.begin, whole.begin});
+      WeighTaps(y0 + i, whole, taps[i % 2]);
+      PaintBlended(y0 + i, {whole.end, span.end});
+    }
   }
 
   void PaintBlended(int32_t y, ColumnRange run) const {
@@ -196,10 +207,9 @@ class TurnedA {
   }
 
   // The taps of a run of at most a tile, two columns at a time in SSE2
-  // doubles, each value rounded as the scalar formulas round it; then the
-  // samples two at a time, their reads no longer waiting on the arithmetic.
-  void PaintWhole(int32_t y, ColumnRange run) const {
-    Taps taps[kTileColumns + 1];
+  // doubles, each value rounded as the scalar formulas round it; their
+  // pixels are then asked of the cache.
+  void FindTaps(int32_t y, ColumnRange run, Taps* taps) const {
     const Row r = RowOf(y);
     const __m128d half = _mm_set1_pd(0.5), scale = _mm_set1_pd(256.0), two = _mm_set1_pd(2.0);
     const __m128d k1 = _mm_set1_pd(k1_), k2 = _mm_set1_pd(k2_), cx = _mm_set1_pd(cx_), cy = _mm_set1_pd(cy_);
@@ -219,13 +229,27 @@ class TurnedA {
       _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i]), _mm_unpacklo_epi64(places, pairs));
       _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i + 1]), _mm_unpackhi_epi64(places, pairs));
     }
+    const PixelWord* a = rows_.inputA;
+    const size_t width = static_cast<size_t>(rows_.width);
+    for (int32_t i = 0; i < n; ++i) {
+      const PixelWord* p0 = a + static_cast<size_t>(taps[i].row) * width + static_cast<size_t>(taps[i].column);
+      __builtin_prefetch(p0);
+      __builtin_prefetch(p0 + width);
+    }
+  }
+
+  // The samples of a run's taps, two at a time.
+  void WeighTaps(int32_t y, ColumnRange run, const Taps* taps) const {
+    const PixelWord* a = rows_.inputA;
+    const size_t width = static_cast<size_t>(rows_.width);
     PixelWord* out = rows_.Out(y) + run.begin;
+    const int32_t n = run.end - run.begin;
     int32_t i = 0;
     for (; i + 1 < n; i += 2) {
-      const __m128i bytes = _mm_packs_epi32(Weigh(taps[i]), Weigh(taps[i + 1]));
+      const __m128i bytes = _mm_packs_epi32(Weigh(a, width, taps[i]), Weigh(a, width, taps[i + 1]));
       _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), _mm_packus_epi16(bytes, bytes));
     }
-    if (i < n) out[i] = Pixel(Weigh(taps[i]));
+    if (i < n) out[i] = Pixel(Weigh(a, width, taps[i]));
   }
 
   // The bilinear sample of A; where its four pixels all lie inside the frame
@@ -236,7 +260,7 @@ class TurnedA {
     const int32_t c = static_cast<int32_t>(us), row = static_cast<int32_t>(vs);
     const int32_t fx = static_cast<int32_t>((us - c) * 256.0 + 0.5);
     const int32_t fy = static_cast<int32_t>((vs - row) * 256.0 + 0.5);
-    return Pixel(Weigh({c, row, WeightPair(fx), WeightPair(fy)}));
+    return Pixel(Weigh(rows_.inputA, static_cast<size_t>(rows_.width), {c, row, WeightPair(fx), WeightPair(fy)}));
   }
 
   static uint32_t Pixel(__m128i bytes) {
@@ -250,11 +274,11 @@ class TurnedA {
   // P0 x (256 - fy) + P1 x fy; then across. Both sums are below 2^16, and
   // less 2^15 they fit pmaddwd's signed halves; the 2^15 x 256 so taken off
   // comes back with the 2^15 of the rounding.
-  __m128i Weigh(const Taps& t) const {
-    const PixelWord* p0 = rows_.A(t.row) + t.column;
+  static __m128i Weigh(const PixelWord* a, size_t width, const Taps& t) {
+    const PixelWord* p0 = a + static_cast<size_t>(t.row) * width + static_cast<size_t>(t.column);
     const __m128i zero = _mm_setzero_si128();
     const __m128i rows = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0)),
-                                           _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0 + rows_.width)));
+                                           _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0 + width)));
     const __m128i wy = _mm_set1_epi32(t.wy);
     const __m128i left = _mm_madd_epi16(_mm_unpacklo_epi8(rows, zero), wy);
     const __m128i right = _mm_madd_epi16(_mm_unpackhi_epi8(rows, zero), wy);
