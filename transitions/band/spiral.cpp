@@ -166,13 +166,14 @@ class TurnedA {
   // pixels asked of the cache, while the row before is weighed.
   void PaintSoftTile(int32_t y0, const RowRuns* runs, int32_t n, ColumnRange tile) const {
     Taps taps[2][kTileColumns + 1];
+    const TileColumns columns = ColumnsOf(tile);
     auto wholeOf = [&](int32_t i) {
       const ColumnRange span = Intersect(runs[i].shown, tile), whole = Intersect(runs[i].whole, span);
       return whole.begin < whole.end ? whole : ColumnRange{span.end, span.end};
     };
-    FindTaps(y0, wholeOf(0), taps[0]);
+    FindTaps(y0, wholeOf(0), columns, taps[0]);
     for (int32_t i = 0; i < n; ++i) {
-      if (i + 1 < n) FindTaps(y0 + i + 1, wholeOf(i + 1), taps[(i + 1) % 2]);
+      if (i + 1 < n) FindTaps(y0 + i + 1, wholeOf(i + 1), columns, taps[(i + 1) % 2]);
       const ColumnRange span = Intersect(runs[i].shown, tile);
       if (span.begin >= span.end) continue;
       const ColumnRange whole = wholeOf(i);
@@ -194,11 +195,12 @@ class TurnedA {
     }
   }
 
-  // Where a sample's four pixels lie, its top-left column and row, and its
-  // weights in 256ths across and up, each pair (256 - f) | f << 16 as
-  // pmaddwd takes it.
+  // Where a sample's four pixels lie, the place of its lower left pixel in
+  // A, and its weights in 256ths across and up, each pair (256 - f) | f << 16
+  // as pmaddwd takes it.
   struct Taps {
-    int32_t column, row, wx, wy;
+    uint64_t at;
+    int32_t wx, wy;
   };
 
   static int32_t WeightPair(int32_t f) { return (256 - f) | (f << 16); }
@@ -206,35 +208,53 @@ class TurnedA {
     return _mm_or_si128(_mm_sub_epi32(_mm_set1_epi32(256), f), _mm_slli_epi32(f, 16));
   }
 
+  // X x k1 and X x k2 of a tile's columns and the one after it, which the
+  // taps found two at a time may reach.
+  struct TileColumns {
+    int32_t begin;
+    double xk1[kTileColumns + 1], xk2[kTileColumns + 1];
+  };
+
+  TileColumns ColumnsOf(ColumnRange tile) const {
+    TileColumns columns;
+    columns.begin = tile.begin;
+    for (int32_t i = 0; i <= kTileColumns; ++i) {
+      columns.xk1[i] = X(tile.begin + i) * k1_;
+      columns.xk2[i] = X(tile.begin + i) * k2_;
+    }
+    return columns;
+  }
+
   // The taps of a run of at most a tile, two columns at a time in SSE2
   // doubles, each value rounded as the scalar formulas round it; their
   // pixels are then asked of the cache.
-  void FindTaps(int32_t y, ColumnRange run, Taps* taps) const {
+  void FindTaps(int32_t y, ColumnRange run, const TileColumns& columns, Taps* taps) const {
     const Row r = RowOf(y);
-    const __m128d half = _mm_set1_pd(0.5), scale = _mm_set1_pd(256.0), two = _mm_set1_pd(2.0);
-    const __m128d k1 = _mm_set1_pd(k1_), k2 = _mm_set1_pd(k2_), cx = _mm_set1_pd(cx_), cy = _mm_set1_pd(cy_);
+    const __m128d half = _mm_set1_pd(0.5), scale = _mm_set1_pd(256.0), cx = _mm_set1_pd(cx_), cy = _mm_set1_pd(cy_);
     const __m128d yk2 = _mm_set1_pd(r.yk2), yk1 = _mm_set1_pd(r.yk1);
+    const __m128i width = _mm_set1_epi32(rows_.width), zero = _mm_setzero_si128();
+    const double* xk1 = columns.xk1 + (run.begin - columns.begin);
+    const double* xk2 = columns.xk2 + (run.begin - columns.begin);
     const int32_t n = run.end - run.begin;
-    __m128d x = _mm_setr_pd(run.begin, run.begin + 1.0);
-    for (int32_t i = 0; i < n; i += 2, x = _mm_add_pd(x, two)) {
-      const __m128d X = _mm_sub_pd(_mm_add_pd(x, half), cx);
-      const __m128d us = _mm_sub_pd(_mm_add_pd(cx, _mm_sub_pd(_mm_mul_pd(X, k1), yk2)), half);
-      const __m128d vs = _mm_sub_pd(_mm_add_pd(cy, _mm_add_pd(_mm_mul_pd(X, k2), yk1)), half);
-      // Inside A both are positive: truncation is floor.
+    for (int32_t i = 0; i < n; i += 2) {
+      const __m128d us = _mm_sub_pd(_mm_add_pd(cx, _mm_sub_pd(_mm_loadu_pd(xk1 + i), yk2)), half);
+      const __m128d vs = _mm_sub_pd(_mm_add_pd(cy, _mm_add_pd(_mm_loadu_pd(xk2 + i), yk1)), half);
+      // Inside A both are positive: truncation is floor, and row x W + c
+      // is formed in 64 bits.
       const __m128i c = _mm_cvttpd_epi32(us), row = _mm_cvttpd_epi32(vs);
+      const __m128i at = _mm_add_epi64(_mm_mul_epu32(_mm_unpacklo_epi32(row, zero), width), _mm_unpacklo_epi32(c, zero));
       auto weights = [&](__m128d s, __m128i whole) {
         return WeightPairs(_mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(_mm_sub_pd(s, _mm_cvtepi32_pd(whole)), scale), half)));
       };
-      const __m128i places = _mm_unpacklo_epi32(c, row), pairs = _mm_unpacklo_epi32(weights(us, c), weights(vs, row));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i]), _mm_unpacklo_epi64(places, pairs));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i + 1]), _mm_unpackhi_epi64(places, pairs));
+      const __m128i pairs = _mm_unpacklo_epi32(weights(us, c), weights(vs, row));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i]), _mm_unpacklo_epi64(at, pairs));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i + 1]), _mm_unpackhi_epi64(at, pairs));
     }
     const PixelWord* a = rows_.inputA;
-    const size_t width = static_cast<size_t>(rows_.width);
+    const size_t w = static_cast<size_t>(rows_.width);
     for (int32_t i = 0; i < n; ++i) {
-      const PixelWord* p0 = a + static_cast<size_t>(taps[i].row) * width + static_cast<size_t>(taps[i].column);
-      __builtin_prefetch(p0);
-      __builtin_prefetch(p0 + width);
+      __builtin_prefetch(a + taps[i].at);
+      __builtin_prefetch(a + taps[i].at + w);
     }
   }
 
@@ -260,7 +280,9 @@ class TurnedA {
     const int32_t c = static_cast<int32_t>(us), row = static_cast<int32_t>(vs);
     const int32_t fx = static_cast<int32_t>((us - c) * 256.0 + 0.5);
     const int32_t fy = static_cast<int32_t>((vs - row) * 256.0 + 0.5);
-    return Pixel(Weigh(rows_.inputA, static_cast<size_t>(rows_.width), {c, row, WeightPair(fx), WeightPair(fy)}));
+    const size_t width = static_cast<size_t>(rows_.width);
+    const uint64_t at = static_cast<size_t>(row) * width + static_cast<size_t>(c);
+    return Pixel(Weigh(rows_.inputA, width, {at, WeightPair(fx), WeightPair(fy)}));
   }
 
   static uint32_t Pixel(__m128i bytes) {
@@ -275,7 +297,7 @@ class TurnedA {
   // less 2^15 they fit pmaddwd's signed halves; the 2^15 x 256 so taken off
   // comes back with the 2^15 of the rounding.
   static __m128i Weigh(const PixelWord* a, size_t width, const Taps& t) {
-    const PixelWord* p0 = a + static_cast<size_t>(t.row) * width + static_cast<size_t>(t.column);
+    const PixelWord* p0 = a + static_cast<size_t>(t.at);
     const __m128i zero = _mm_setzero_si128();
     const __m128i rows = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0)),
                                            _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0 + width)));
