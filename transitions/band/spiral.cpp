@@ -183,6 +183,7 @@ class TurnedA {
     }
   }
 
+  // Pixel by pixel, where B or the frame's edge may weigh in.
   void PaintBlended(int32_t y, ColumnRange run) const {
     const Row r = RowOf(y);
     PixelWord* out = rows_.Out(y);
@@ -195,7 +196,7 @@ class TurnedA {
     }
   }
 
-  // Where a sample's four pixels lie, the place of its lower left pixel in
+  // Where a sample's four pixels lie, the place row x W + c of the first in
   // A, and its weights in 256ths across and up, each pair (256 - f) | f << 16
   // as pmaddwd takes it.
   struct Taps {
@@ -242,9 +243,11 @@ class TurnedA {
       // Inside A both are positive: truncation is floor, and row x W + c
       // is formed in 64 bits.
       const __m128i c = _mm_cvttpd_epi32(us), row = _mm_cvttpd_epi32(vs);
-      const __m128i at = _mm_add_epi64(_mm_mul_epu32(_mm_unpacklo_epi32(row, zero), width), _mm_unpacklo_epi32(c, zero));
+      const __m128i rowStart = _mm_mul_epu32(_mm_unpacklo_epi32(row, zero), width);
+      const __m128i at = _mm_add_epi64(rowStart, _mm_unpacklo_epi32(c, zero));
       auto weights = [&](__m128d s, __m128i whole) {
-        return WeightPairs(_mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(_mm_sub_pd(s, _mm_cvtepi32_pd(whole)), scale), half)));
+        const __m128d fraction = _mm_sub_pd(s, _mm_cvtepi32_pd(whole));
+        return WeightPairs(_mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(fraction, scale), half)));
       };
       const __m128i pairs = _mm_unpacklo_epi32(weights(us, c), weights(vs, row));
       _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i]), _mm_unpacklo_epi64(at, pairs));
@@ -253,8 +256,9 @@ class TurnedA {
     const PixelWord* a = rows_.inputA;
     const size_t w = static_cast<size_t>(rows_.width);
     for (int32_t i = 0; i < n; ++i) {
-      __builtin_prefetch(a + taps[i].at);
-      __builtin_prefetch(a + taps[i].at + w);
+      const PixelWord* p0 = a + static_cast<size_t>(taps[i].at);
+      __builtin_prefetch(p0);
+      __builtin_prefetch(p0 + w);
     }
   }
 

@@ -159,12 +159,13 @@ struct CubeFrame {
 // row a face runs from its seam. A row's across indices depend only on the
 // along-index in the table, so they are found once per row for all cells of
 // a length, in a loop of their own, kAhead rows before the row is painted:
-// one row of a face reads from many rows of its clip, and those reads are
-// announced to the cache when the indices are found.
+// one row of a face reads from many rows of its clip, and the reads of that
+// later row are announced to the cache face by face, as this row's are made.
 constexpr int32_t kAhead = 2, kRowsInFlight = kAhead + 1;
 
 // The across indices of row y for the faces of every table, at their table
-// index.
+// index. The frame's values are copied to locals first: the writes through
+// `across` could otherwise alias them, and the loop would not run in SSE2.
 void FindAcross(const CubeFrame& f, int32_t y, int32_t* across) {
   const double hc = f.hc, offset = (y + 0.5) - hc;
   const double* inverseScale = f.slices.inverseScale;
@@ -172,7 +173,9 @@ void FindAcross(const CubeFrame& f, int32_t y, int32_t* across) {
   auto table = [&](const CellFaces& faces, int32_t start) {
     for (const Face& face : faces.faces) {
       const int32_t end = start + face.strip.end;
-      for (int32_t k = start + face.strip.begin; k < end; ++k) across[k] = AcrossFrom(hc, offset, inverseScale[k], extent);
+      for (int32_t k = start + face.strip.begin; k < end; ++k) {
+        across[k] = AcrossFrom(hc, offset, inverseScale[k], extent);
+      }
     }
   };
   if (f.cells.count > 1) table(f.regular, 0);
@@ -180,7 +183,8 @@ void FindAcross(const CubeFrame& f, int32_t y, int32_t* across) {
 }
 
 // Asks the cache for every fourth pixel a face reads in a later row.
-void AnnounceReads(const PixelWord* clip, size_t width, const Strip& strip, const int32_t* across, const int32_t* from) {
+void AnnounceReads(const PixelWord* clip, size_t width, const Strip& strip, const int32_t* across,
+                   const int32_t* from) {
   for (int32_t k = strip.begin; k < strip.end; k += 4) {
     __builtin_prefetch(&clip[static_cast<size_t>(across[k]) * width + static_cast<size_t>(from[k])]);
   }
