@@ -167,8 +167,10 @@ class TurnedA {
   void PaintSoftTile(int32_t y0, const RowRuns* runs, int32_t n, ColumnRange tile) const {
     Taps taps[2][kTileColumns + 1];
     const TileColumns columns = ColumnsOf(tile);
+    // Within the tile even where the row shows nothing of A there.
     auto wholeOf = [&](int32_t i) {
       const ColumnRange span = Intersect(runs[i].shown, tile), whole = Intersect(runs[i].whole, span);
+      if (span.begin >= span.end) return ColumnRange{tile.begin, tile.begin};
       return whole.begin < whole.end ? whole : ColumnRange{span.end, span.end};
     };
     FindTaps(y0, wholeOf(0), columns, taps[0]);
