@@ -3,10 +3,15 @@
 // makes "Turns" full turns and is half its size at the middle.
 //
 // Each output pixel maps back into A by the frame's turn and scale, computed
-// per pixel as written (the products of a row's Y once per row). Along a row
-// the mapped u and v only rise or only fall, so the pixels inside A (or, with
-// anti-aliasing, not plainly B) form one run of columns, found by binary
-// search over that arithmetic; B is copied on either side of it.
+// per pixel as written (the products of a row's Y once per row, those of a
+// column's X once per band of rows). Along a row the mapped u and v only rise
+// or only fall, so the pixels inside A (or, with anti-aliasing, not plainly
+// B) form one run of columns, found by binary search over that arithmetic; B
+// is copied on either side of it. With anti-aliasing the same search finds
+// the columns that show A's bilinear sample alone, four pixels inside A:
+// there the samples are worked out two at a time in SSE2, the arithmetic
+// before any read, and only the few columns at A's border are blended one
+// by one.
 #include <emmintrin.h>
 
 #include <algorithm>
