@@ -3,10 +3,17 @@
 // makes "Turns" full turns and is half its size at the middle.
 //
 // Each output pixel maps back into A by the frame's turn and scale, computed
-// per pixel as written (the products of a row's Y once per row). Along a row
-// the mapped u and v only rise or only fall, so the pixels inside A (or, with
-// anti-aliasing, not plainly B) form one run of columns, found by binary
-// search over that arithmetic; B is copied on either side of it.
+// per pixel as written (the products of a row's Y once per row, those of a
+// column's X once per band of rows). Along a row the mapped u and v only rise
+// or only fall, so the pixels inside A (or, with anti-aliasing, not plainly
+// B) form one run of columns, found by binary search over that arithmetic; B
+// is copied on either side of it. With anti-aliasing the same search finds
+// the columns that show A's bilinear sample alone, four pixels inside A:
+// there the samples are worked out two at a time in SSE2, the arithmetic
+// before any read, and only the few columns at A's border are blended one
+// by one.
+#include <emmintrin.h>
+
 #include <algorithm>
 
 #include "host/render_prologue.h"
@@ -51,35 +58,44 @@ class TurnedA {
   // Bands of rows, each painted in tiles of columns: the turned A pixels a
   // tile reads lie close together and stay in the caches.
   void Paint() const {
-    constexpr int32_t kBandRows = 32, kTileColumns = 64;
-    ColumnRange runs[kBandRows];
+    constexpr int32_t kBandRows = 32;
+    RowRuns runs[kBandRows];
     for (int32_t y0 = 0; y0 < rows_.height; y0 += kBandRows) {
       const int32_t n = std::min(kBandRows, rows_.height - y0);
       for (int32_t i = 0; i < n; ++i) {
         const int32_t y = y0 + i;
-        runs[i] = RunOf(RowOf(y));
+        const Row r = RowOf(y);
+        runs[i] = {RunOf(r), antiAlias_ ? WholeRunOf(r) : ColumnRange{0, 0}};
         PixelWord* out = rows_.Out(y);
         const PixelWord* b = rows_.B(y);
-        CopyRun(out, b, runs[i].begin);
-        CopyRun(out + runs[i].end, b + runs[i].end, rows_.width - runs[i].end);
+        CopyRun(out, b, runs[i].shown.begin);
+        CopyRun(out + runs[i].shown.end, b + runs[i].shown.end, rows_.width - runs[i].shown.end);
       }
       for (int32_t x0 = 0; x0 < rows_.width; x0 += kTileColumns) {
+        const ColumnRange tile{x0, std::min(x0 + kTileColumns, rows_.width)};
+        if (antiAlias_) {
+          PaintSoftTile(y0, runs, n, tile);
+          continue;
+        }
         for (int32_t i = 0; i < n; ++i) {
-          const ColumnRange span = Intersect(runs[i], {x0, std::min(x0 + kTileColumns, rows_.width)});
-          if (span.begin >= span.end) continue;
-          if (antiAlias_) {
-            PaintSoft(y0 + i, span);
-          } else {
-            PaintNearest(y0 + i, span);
-          }
+          const ColumnRange span = Intersect(runs[i].shown, tile);
+          if (span.begin < span.end) PaintNearest(y0 + i, span);
         }
       }
     }
   }
 
  private:
+  static constexpr int32_t kTileColumns = 64;
+
   struct Row {
     double yk2, yk1;  // Y x k2 and Y x k1
+  };
+
+  // The columns of a row that show A (or, with anti-aliasing, not plainly B),
+  // and among them those that show A's sample alone.
+  struct RowRuns {
+    ColumnRange shown, whole;
   };
 
   Row RowOf(int32_t y) const {
@@ -110,6 +126,26 @@ class TurnedA {
     return run;
   }
 
+  // With anti-aliasing, the columns whose e leaves no weight to B and whose
+  // four sample pixels lie inside A: by the same order argument each
+  // distance must do so on its own, together with its side's inside test,
+  // and both rise (or fall) with the distance.
+  ColumnRange WholeRunOf(const Row& r) const {
+    const double w = rows_.width, h = rows_.height;
+    const double lastColumn = rows_.width - 1, lastRow = rows_.height - 1;
+    const int32_t width = rows_.width;
+    auto whole = [&](double d) { return MixWeight(0.5 - d * g_) == 0; };
+    auto lowU = [&](int32_t x) { return whole(U(x, r)) && U(x, r) - 0.5 >= 0; };
+    auto highU = [&](int32_t x) { return whole(w - U(x, r)) && U(x, r) - 0.5 < lastColumn; };
+    auto lowV = [&](int32_t x) { return whole(V(x, r)) && V(x, r) - 0.5 >= 0; };
+    auto highV = [&](int32_t x) { return whole(h - V(x, r)) && V(x, r) - 0.5 < lastRow; };
+    ColumnRange run{0, width};
+    run = Intersect(run, HoldingRange(0, width, lowU));
+    run = Intersect(run, HoldingRange(0, width, highU));
+    run = Intersect(run, HoldingRange(0, width, lowV));
+    return Intersect(run, HoldingRange(0, width, highV));
+  }
+
   // Inside A, where 0 <= u < W and 0 <= v < H: floor(u) and floor(v) are
   // their truncations. The places are worked out for a stretch of the row
   // before any is read, so that the reads, which cross A's rows, overlap.
@@ -130,8 +166,32 @@ class TurnedA {
     }
   }
 
-  // edge(B, bilinear sample of A, e), the sample taken only where it shows.
-  void PaintSoft(int32_t y, ColumnRange run) const {
+  // edge(B, bilinear sample of A, e) over a tile of a band's rows: the
+  // taps of a row's part that shows the sample alone are found, and their
+  // pixels asked of the cache, while the row before is weighed.
+  void PaintSoftTile(int32_t y0, const RowRuns* runs, int32_t n, ColumnRange tile) const {
+    Taps taps[2][kTileColumns + 1];
+    const TileColumns columns = ColumnsOf(tile);
+    // Within the tile even where the row shows nothing of A there.
+    auto wholeOf = [&](int32_t i) {
+      const ColumnRange span = Intersect(runs[i].shown, tile), whole = Intersect(runs[i].whole, span);
+      if (span.begin >= span.end) return ColumnRange{tile.begin, tile.begin};
+      return whole.begin < whole.end ? whole : ColumnRange{span.end, span.end};
+    };
+    FindTaps(y0, wholeOf(0), columns, taps[0]);
+    for (int32_t i = 0; i < n; ++i) {
+      if (i + 1 < n) FindTaps(y0 + i + 1, wholeOf(i + 1), columns, taps[(i + 1) % 2]);
+      const ColumnRange span = Intersect(runs[i].shown, tile);
+      if (span.begin >= span.end) continue;
+      const ColumnRange whole = wholeOf(i);
+      PaintBlended(y0 + i, {span.begin, whole.begin});
+      WeighTaps(y0 + i, whole, taps[i % 2]);
+      PaintBlended(y0 + i, {whole.end, span.end});
+    }
+  }
+
+  // Pixel by pixel, where B or the frame's edge may weigh in.
+  void PaintBlended(int32_t y, ColumnRange run) const {
     const Row r = RowOf(y);
     PixelWord* out = rows_.Out(y);
     const PixelWord* b = rows_.B(y);
@@ -143,25 +203,121 @@ class TurnedA {
     }
   }
 
+  // Where a sample's four pixels lie, the place row x W + c of the first in
+  // A, and its weights in 256ths across and up, each pair (256 - f) | f << 16
+  // as pmaddwd takes it.
+  struct Taps {
+    uint64_t at;
+    int32_t wx, wy;
+  };
+
+  static int32_t WeightPair(int32_t f) { return (256 - f) | (f << 16); }
+  static __m128i WeightPairs(__m128i f) {
+    return _mm_or_si128(_mm_sub_epi32(_mm_set1_epi32(256), f), _mm_slli_epi32(f, 16));
+  }
+
+  // X x k1 and X x k2 of a tile's columns and the one after it, which the
+  // taps found two at a time may reach.
+  struct TileColumns {
+    int32_t begin;
+    double xk1[kTileColumns + 1], xk2[kTileColumns + 1];
+  };
+
+  TileColumns ColumnsOf(ColumnRange tile) const {
+    TileColumns columns;
+    columns.begin = tile.begin;
+    for (int32_t i = 0; i <= kTileColumns; ++i) {
+      columns.xk1[i] = X(tile.begin + i) * k1_;
+      columns.xk2[i] = X(tile.begin + i) * k2_;
+    }
+    return columns;
+  }
+
+  // The taps of a run of at most a tile, two columns at a time in SSE2
+  // doubles, each value rounded as the scalar formulas round it; their
+  // pixels are then asked of the cache.
+  void FindTaps(int32_t y, ColumnRange run, const TileColumns& columns, Taps* taps) const {
+    const Row r = RowOf(y);
+    const __m128d half = _mm_set1_pd(0.5), scale = _mm_set1_pd(256.0), cx = _mm_set1_pd(cx_), cy = _mm_set1_pd(cy_);
+    const __m128d yk2 = _mm_set1_pd(r.yk2), yk1 = _mm_set1_pd(r.yk1);
+    const __m128i width = _mm_set1_epi32(rows_.width), zero = _mm_setzero_si128();
+    const double* xk1 = columns.xk1 + (run.begin - columns.begin);
+    const double* xk2 = columns.xk2 + (run.begin - columns.begin);
+    const int32_t n = run.end - run.begin;
+    for (int32_t i = 0; i < n; i += 2) {
+      const __m128d us = _mm_sub_pd(_mm_add_pd(cx, _mm_sub_pd(_mm_loadu_pd(xk1 + i), yk2)), half);
+      const __m128d vs = _mm_sub_pd(_mm_add_pd(cy, _mm_add_pd(_mm_loadu_pd(xk2 + i), yk1)), half);
+      // Inside A both are positive: truncation is floor, and row x W + c
+      // is formed in 64 bits.
+      const __m128i c = _mm_cvttpd_epi32(us), row = _mm_cvttpd_epi32(vs);
+      const __m128i rowStart = _mm_mul_epu32(_mm_unpacklo_epi32(row, zero), width);
+      const __m128i at = _mm_add_epi64(rowStart, _mm_unpacklo_epi32(c, zero));
+      auto weights = [&](__m128d s, __m128i whole) {
+        const __m128d fraction = _mm_sub_pd(s, _mm_cvtepi32_pd(whole));
+        return WeightPairs(_mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(fraction, scale), half)));
+      };
+      const __m128i pairs = _mm_unpacklo_epi32(weights(us, c), weights(vs, row));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i]), _mm_unpacklo_epi64(at, pairs));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i + 1]), _mm_unpackhi_epi64(at, pairs));
+    }
+    const PixelWord* a = rows_.inputA;
+    const size_t w = static_cast<size_t>(rows_.width);
+    for (int32_t i = 0; i < n; ++i) {
+      const PixelWord* p0 = a + static_cast<size_t>(taps[i].at);
+      __builtin_prefetch(p0);
+      __builtin_prefetch(p0 + w);
+    }
+  }
+
+  // The samples of a run's taps, two at a time.
+  void WeighTaps(int32_t y, ColumnRange run, const Taps* taps) const {
+    const PixelWord* a = rows_.inputA;
+    const size_t width = static_cast<size_t>(rows_.width);
+    PixelWord* out = rows_.Out(y) + run.begin;
+    const int32_t n = run.end - run.begin;
+    int32_t i = 0;
+    for (; i + 1 < n; i += 2) {
+      const __m128i bytes = _mm_packs_epi32(Weigh(a, width, taps[i]), Weigh(a, width, taps[i + 1]));
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), _mm_packus_epi16(bytes, bytes));
+    }
+    if (i < n) out[i] = Pixel(Weigh(a, width, taps[i]));
+  }
+
   // The bilinear sample of A; where its four pixels all lie inside the frame
-  // no read needs holding, and the bytes are weighed two pairs at a time.
+  // no read needs holding.
   uint32_t Bilinear(double u, double v) const {
     const double us = u - 0.5, vs = v - 0.5;
     if (!(us >= 0 && us < rows_.width - 1 && vs >= 0 && vs < rows_.height - 1)) return a_.Bilinear(u, v);
     const int32_t c = static_cast<int32_t>(us), row = static_cast<int32_t>(vs);
-    const auto fx = static_cast<uint64_t>(static_cast<int32_t>((us - c) * 256.0 + 0.5));
-    const auto fy = static_cast<uint64_t>(static_cast<int32_t>((vs - row) * 256.0 + 0.5));
-    const PixelWord* p0 = rows_.A(row) + c;
-    const PixelWord* p1 = p0 + rows_.width;
-    // Bytes 0, 2, 1, 3 in 16-bit lanes: a weighed pair of bytes stays below 2^16.
-    auto spread = [](uint32_t p) { return (p & 0x00FF00FFull) | (static_cast<uint64_t>(p & 0xFF00FF00u) << 24); };
-    const uint64_t q0 = spread(p0[0]) * (256 - fx) + spread(p0[1]) * fx;
-    const uint64_t q1 = spread(p1[0]) * (256 - fx) + spread(p1[1]) * fx;
-    // Then bytes 0 and 1, and 2 and 3, in 32-bit lanes.
-    constexpr uint64_t kLanes = 0x0000FFFF0000FFFFull, kHalf = 0x0000800000008000ull, kByte = 0x000000FF000000FFull;
-    const uint64_t low = (((q0 & kLanes) * (256 - fy) + (q1 & kLanes) * fy + kHalf) >> 16) & kByte;
-    const uint64_t high = ((((q0 >> 16) & kLanes) * (256 - fy) + ((q1 >> 16) & kLanes) * fy + kHalf) >> 16) & kByte;
-    return static_cast<uint32_t>((low & 0xFF) | ((low >> 32) << 8) | ((high & 0xFF) << 16) | ((high >> 32) << 24));
+    const int32_t fx = static_cast<int32_t>((us - c) * 256.0 + 0.5);
+    const int32_t fy = static_cast<int32_t>((vs - row) * 256.0 + 0.5);
+    const size_t width = static_cast<size_t>(rows_.width);
+    const uint64_t at = static_cast<size_t>(row) * width + static_cast<size_t>(c);
+    return Pixel(Weigh(rows_.inputA, width, {at, WeightPair(fx), WeightPair(fy)}));
+  }
+
+  static uint32_t Pixel(__m128i bytes) {
+    const __m128i words = _mm_packs_epi32(bytes, bytes);
+    return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
+  }
+
+  // The four pixels of taps inside A weighed, a byte in each 32-bit lane.
+  // The sum of the four products is exact in whichever order it is formed:
+  // first up, each byte of the left and of the right pixels as
+  // P0 x (256 - fy) + P1 x fy; then across. Both sums are below 2^16, and
+  // less 2^15 they fit pmaddwd's signed halves; the 2^15 x 256 so taken off
+  // comes back with the 2^15 of the rounding.
+  static __m128i Weigh(const PixelWord* a, size_t width, const Taps& t) {
+    const PixelWord* p0 = a + static_cast<size_t>(t.at);
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i rows = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0)),
+                                           _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0 + width)));
+    const __m128i wy = _mm_set1_epi32(t.wy);
+    const __m128i left = _mm_madd_epi16(_mm_unpacklo_epi8(rows, zero), wy);
+    const __m128i right = _mm_madd_epi16(_mm_unpackhi_epi8(rows, zero), wy);
+    const __m128i pairs = _mm_xor_si128(_mm_or_si128(left, _mm_slli_epi32(right, 16)), _mm_set1_epi16(INT16_MIN));
+    const __m128i sum = _mm_add_epi32(_mm_madd_epi16(pairs, _mm_set1_epi32(t.wx)), _mm_set1_epi32(32768 * 257));
+    return _mm_srli_epi32(sum, 16);
   }
 
   double X(int32_t x) const { return (x + 0.5) - cx_; }

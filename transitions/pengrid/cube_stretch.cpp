@@ -144,8 +144,8 @@ struct CubeFrame {
   const StretchCells& cells;
   CellFaces regular, last;
   Slices slices;
-  int32_t* across;  // room for the across indices of one line
-  int32_t* ahead;   // and for those of a line further on
+  int32_t* across;  // room for the across indices of kRowsInFlight lines
+  size_t line;      // the room of one line
   int32_t extent;   // C, across the travel: every cell spans the frame across it
   double hc;        // C x 0.5
   uint32_t pen, back;
@@ -156,43 +156,69 @@ struct CubeFrame {
 };
 
 // Travelling along columns the frames are walked row by row; in each cell's
-// row a face runs from its seam. The across indices of a row's face are
-// found first, in a loop of their own, then the pixels are read. One row of
-// a face reads from many rows of its clip: the reads of the row kAhead rows
-// further on are announced to the cache first.
-constexpr int32_t kAhead = 2;
+// row a face runs from its seam. A row's across indices depend only on the
+// along-index in the table, so they are found once per row for all cells of
+// a length, in a loop of their own, kAhead rows before the row is painted:
+// one row of a face reads from many rows of its clip, and the reads of that
+// later row are announced to the cache face by face, as this row's are made.
+constexpr int32_t kAhead = 2, kRowsInFlight = kAhead + 1;
+
+// The across indices of row y for the faces of every table, at their table
+// index. The frame's values are copied to locals first: the writes through
+// `across` could otherwise alias them, and the loop would not run in SSE2.
+void FindAcross(const CubeFrame& f, int32_t y, int32_t* across) {
+  const double hc = f.hc, offset = (y + 0.5) - hc;
+  const double* inverseScale = f.slices.inverseScale;
+  const int32_t extent = f.extent;
+  auto table = [&](const CellFaces& faces, int32_t start) {
+    for (const Face& face : faces.faces) {
+      const int32_t end = start + face.strip.end;
+      for (int32_t k = start + face.strip.begin; k < end; ++k) {
+        across[k] = AcrossFrom(hc, offset, inverseScale[k], extent);
+      }
+    }
+  };
+  if (f.cells.count > 1) table(f.regular, 0);
+  table(f.last, f.cells.LastTableStart());
+}
+
+// Asks the cache for every fourth pixel a face reads in a later row.
+void AnnounceReads(const PixelWord* clip, size_t width, const Strip& strip, const int32_t* across,
+                   const int32_t* from) {
+  for (int32_t k = strip.begin; k < strip.end; k += 4) {
+    __builtin_prefetch(&clip[static_cast<size_t>(across[k]) * width + static_cast<size_t>(from[k])]);
+  }
+}
+
 void PaintAcrossColumns(const CubeFrame& f) {
   const size_t width = static_cast<size_t>(f.rows.width);
-  int32_t* across = f.across;
-  int32_t* ahead = f.ahead;
+  auto acrossOf = [&](int32_t y) { return f.across + static_cast<size_t>(y % kRowsInFlight) * f.line; };
+  for (int32_t y = 0; y < std::min(kAhead, f.rows.height); ++y) FindAcross(f, y, acrossOf(y));
   for (int32_t y = 0; y < f.rows.height; ++y) {
-    const double offset = (y + 0.5) - f.hc, distance = std::abs(offset);
-    const double offsetAhead = (y + kAhead + 0.5) - f.hc;
+    const bool announce = y + kAhead < f.rows.height;
+    if (announce) FindAcross(f, y + kAhead, acrossOf(y + kAhead));
+    const double distance = std::abs((y + 0.5) - f.hc);
     PixelWord* out = f.rows.Out(y);
     for (int32_t i = f.cells.First(); i < f.cells.count; ++i) {
       const int32_t x0 = f.cells.Origin(i);
       const Slices slices = f.slices.From(f.cells.TableStart(i));
+      const int32_t* across = acrossOf(y) + f.cells.TableStart(i);
+      const int32_t* later = acrossOf(y + kAhead) + f.cells.TableStart(i);
       for (int32_t side = 0; side < 2; ++side) {
         const Face& face = f.FacesOfCell(i).faces[side];
         if (face.strip.Length() == 0) continue;
         const Run run{face.seamHigh ? face.strip.end - 1 : face.strip.begin, face.seamHigh ? -1 : 1,
                       face.strip.Length()};
         const PixelWord* clip = f.Clip(side) + x0;
-        const double* inverseScale = slices.inverseScale;
         const int32_t* from = slices.from;
-        auto read = [&](int32_t row, int32_t k) {
-          return uint32_t{clip[static_cast<size_t>(row) * width + static_cast<size_t>(from[k])]};
+        if (announce) AnnounceReads(clip, width, face.strip, later, from);
+        auto read = [&](int32_t k) {
+          return uint32_t{clip[static_cast<size_t>(across[k]) * width + static_cast<size_t>(from[k])]};
         };
         PaintRun(
-            out + x0, run, [&](int32_t k) { return (slices.halfExtent[k] - distance) * face.g; },
-            [&](int32_t k) { return read(AcrossFrom(f.hc, offset, inverseScale[k], f.extent), k); },
+            out + x0, run, [&](int32_t k) { return (slices.halfExtent[k] - distance) * face.g; }, read,
             [&](const Strip& s) {
-              for (int32_t k = s.begin; k < s.end; ++k) across[k] = AcrossFrom(f.hc, offset, inverseScale[k], f.extent);
-              for (int32_t k = s.begin; k < s.end; ++k) ahead[k] = AcrossFrom(f.hc, offsetAhead, inverseScale[k], f.extent);
-              for (int32_t k = s.begin; k < s.end; k += 4) {
-                __builtin_prefetch(&clip[static_cast<size_t>(ahead[k]) * width + static_cast<size_t>(from[k])]);
-              }
-              for (int32_t k = s.begin; k < s.end; ++k) out[x0 + k] = read(across[k], k);
+              for (int32_t k = s.begin; k < s.end; ++k) out[x0 + k] = read(k);
             },
             f.back, f.antiAlias);
       }
@@ -247,18 +273,17 @@ int32_t CubeStretchRender(t_KrRenderInfo* ri) {
   if (cells.count == 0) return 1;
   const bool acrossColumns = AcrossColumns(reads.travel);
   const int32_t extent = acrossColumns ? ri->Height : ri->Width;
-  // The tables, then the across indices of one line (a run is at most a cell long or the extent).
+  // The tables, then the across indices of the lines in flight (a line is at most a table long or the extent).
   const size_t length = static_cast<size_t>(cells.TableLength());
   const size_t line = std::max(length, static_cast<size_t>(extent));
   const Scratch<double> reals = AllocateScratch<double>(2 * length);
-  const Scratch<int32_t> indices = AllocateScratch<int32_t>(length + 2 * line);
+  const Scratch<int32_t> indices = AllocateScratch<int32_t>(length + kRowsInFlight * line);
   if (!reals || !indices) return 1;  // no memory for the tables: the output stays as it was
   const Slices slices{reals.get(), reals.get() + length, indices.get()};
   const double hc = extent * 0.5;
   const CellFaces regular = cells.count > 1 ? FacesOf(cells.regular, hc, slices) : CellFaces{};
   const CellFaces last = FacesOf(cells.last, hc, slices.From(cells.LastTableStart()));
-  const CubeFrame frame{FrameRows::Of(ri), cells, regular, last, slices, indices.get() + length,
-                        indices.get() + length + line, extent, hc,
+  const CubeFrame frame{FrameRows::Of(ri), cells, regular, last, slices, indices.get() + length, line, extent, hc,
                         reads.pen.pen, back, antiAlias};
   if (acrossColumns) {
     PaintAcrossColumns(frame);
