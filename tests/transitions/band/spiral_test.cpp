@@ -70,7 +70,8 @@ emu::Frame SpiralPixelByPixel(const emu::Frame& a, const emu::Frame& b, double p
 }
 
 TEST(Spiral, EveryPixelAsMappedOneByOne) {
-  for (const auto& [w, h] : {std::pair{64, 48}, {33, 47}, {1, 9}, {7, 1}, {1, 1}}) {
+  // 150 x 40 spans several tiles of columns, some rows of a tile showing none of A.
+  for (const auto& [w, h] : {std::pair{64, 48}, {150, 40}, {33, 47}, {1, 9}, {7, 1}, {1, 1}}) {
     for (const int32_t turns : {0, 1, 3, -2}) {
       for (const double p : {0.01, 0.3, 0.5, 0.93}) {
         for (const bool ccw : {false, true}) {
