@@ -53,7 +53,7 @@ class ChaosGenerator {
  public:
   ChaosGenerator() {
     uint32_t state = 1977;
-    for (uint32_t& lane : next_) lane = state = Step(state, kMultiplier, kIncrement);
+    for (uint32_t& lane : next_) lane = state = ChaosStep(state, kChaosMultiplier, kChaosIncrement);
   }
 
   // The next n states, in order.
@@ -62,7 +62,7 @@ class ChaosGenerator {
     for (; i + kLanes <= n; i += kLanes) {
       for (size_t j = 0; j < kLanes; ++j) {
         out[i + j] = next_[j];
-        next_[j] = Step(next_[j], kLeapMultiplier, kLeapIncrement);
+        next_[j] = Leap(next_[j]);
       }
     }
     // A part of the lanes used: the unused ones come first next time.
@@ -70,7 +70,7 @@ class ChaosGenerator {
     uint32_t lanes[kLanes];
     for (size_t j = 0; j < kLanes; ++j) {
       if (j < used) out[i + j] = next_[j];
-      lanes[j] = j + used < kLanes ? next_[j + used] : Step(next_[j + used - kLanes], kLeapMultiplier, kLeapIncrement);
+      lanes[j] = j + used < kLanes ? next_[j + used] : Leap(next_[j + used - kLanes]);
     }
     std::memcpy(next_, lanes, sizeof lanes);
   }
@@ -82,9 +82,8 @@ class ChaosGenerator {
 
  private:
   static constexpr size_t kLanes = kChaosLanes;
-  static constexpr uint32_t kMultiplier = kChaosMultiplier, kIncrement = kChaosIncrement;
-  static constexpr auto Step = ChaosStep;
   static constexpr uint32_t kLeapMultiplier = ChaosLeapMultiplier(), kLeapIncrement = ChaosLeapIncrement();
+  static uint32_t Leap(uint32_t state) { return ChaosStep(state, kLeapMultiplier, kLeapIncrement); }
 
   uint32_t next_[kLanes];  // the next kLanes states
 };
