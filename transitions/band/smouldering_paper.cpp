@@ -100,24 +100,34 @@ struct Field {
     if (v == 0) v = Midpoint(At(x1, y1), At(x2, y2), a, b);
   }
 
-  // A side's share of the weight, (extent * 0.5) / frame side in single
-  // precision. Rectangles of one depth have few extents, so the last few
-  // quotients are kept instead of being divided anew for every rectangle.
-  struct Shares {
-    int32_t extent[64];
-    float share[64];
-    int32_t side;
-    explicit Shares(int32_t frameSide) : extent{}, share{}, side(frameSide) {
-      for (int32_t& e : extent) e = -1;
+  // A rectangle's weights a and b: the two sides' shares (extent * 0.5) /
+  // frame side in single precision, summed, times the degree, truncated.
+  // They depend on the two extents alone, and rectangles of one depth have
+  // at most two extents a side: the weights of the last extent pairs are
+  // kept instead of being formed anew for every rectangle.
+  class Weights {
+   public:
+    Weights(int32_t degree, int32_t width, int32_t height) : degree_(degree), width_(width), height_(height) {
+      for (Entry& e : entry_) e = {-1, -1, 0};
     }
-    float Of(int32_t e) {
-      const int32_t slot = e & 63;
-      if (extent[slot] != e) {
-        extent[slot] = e;
-        share[slot] = static_cast<float>(e) * 0.5f / static_cast<float>(side);
+    int32_t A(int32_t extentX, int32_t extentY) {
+      Entry& e = entry_[(extentX & 15) << 4 | (extentY & 15)];
+      if (e.extentX != extentX || e.extentY != extentY) {
+        const float share = Share(extentY, height_) + Share(extentX, width_);
+        e = {extentX, extentY, TruncToInt32(static_cast<double>(static_cast<float>(degree_) * share))};
       }
-      return share[slot];
+      return e.a;
     }
+
+   private:
+    static float Share(int32_t extent, int32_t side) {
+      return static_cast<float>(extent) * 0.5f / static_cast<float>(side);
+    }
+    struct Entry {
+      int32_t extentX, extentY, a;
+    };
+    int32_t degree_, width_, height_;
+    Entry entry_[256];
   };
 
   // The rectangle (x0, y0)-(x1, y1), corners included: its edge midpoints and
@@ -125,41 +135,61 @@ struct Field {
   // both sides (rounding up) until both are below 2, and a quadrant that
   // small is not entered, so calls nest at most 32 deep for any frame size
   // (11 at 1920 x 1080), a few dozen bytes each.
-  void Subdivide(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Shares& across, Shares& up) const {
+  void Subdivide(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Weights& weights) const {
     while (x1 - x0 >= 2 || y1 - y0 >= 2) {
       const int32_t xm = x0 + (x1 - x0) / 2, ym = y0 + (y1 - y0) / 2;
-      const float share = up.Of(y1 - y0) + across.Of(x1 - x0);
-      const int32_t a = TruncToInt32(static_cast<double>(static_cast<float>(degree) * share));
-      const int32_t b = WrappingSubtract(256, a);
-      SetMidpoint(x0, ym, x0, y0, x0, y1, a, b);  // left
-      SetMidpoint(x1, ym, x1, y0, x1, y1, a, b);  // right
-      SetMidpoint(xm, y0, x0, y0, x1, y0, a, b);  // top
-      SetMidpoint(xm, y1, x0, y1, x1, y1, a, b);  // bottom
-      uint16_t& centre = At(xm, ym);
-      if (centre == 0) {
-        draws.Next();  // drawn and not used
-        centre = static_cast<uint16_t>((At(x0, ym) + At(x1, ym) + At(xm, y0) + At(xm, y1)) >> 2);
+      Points(x0, y0, x1, y1, xm, ym, weights);
+      // Sides of at most 3 give quadrants of at most 2, whose own quadrants
+      // are below 2: the last level is done here without further calls.
+      if (x1 - x0 <= 3 && y1 - y0 <= 3) {
+        LastLevel(x0, ym, xm, y1, weights);
+        LastLevel(xm, ym, x1, y1, weights);
+        LastLevel(x0, y0, xm, ym, weights);
+        LastLevel(xm, y0, x1, ym, weights);
+        return;
       }
-      Quadrant(x0, ym, xm, y1, across, up);
-      Quadrant(xm, ym, x1, y1, across, up);
-      Quadrant(x0, y0, xm, ym, across, up);
+      Quadrant(x0, ym, xm, y1, weights);
+      Quadrant(xm, ym, x1, y1, weights);
+      Quadrant(x0, y0, xm, ym, weights);
       x0 = xm;
       y1 = ym;
     }
   }
   // A quadrant below 2 on both sides has nothing to compute.
-  void Quadrant(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Shares& across, Shares& up) const {
-    if (x1 - x0 >= 2 || y1 - y0 >= 2) Subdivide(x0, y0, x1, y1, across, up);
+  void Quadrant(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Weights& weights) const {
+    if (x1 - x0 >= 2 || y1 - y0 >= 2) Subdivide(x0, y0, x1, y1, weights);
+  }
+  void LastLevel(int32_t x0, int32_t y0, int32_t x1, int32_t y1, Weights& weights) const {
+    if (x1 - x0 >= 2 || y1 - y0 >= 2) Points(x0, y0, x1, y1, x0 + (x1 - x0) / 2, y0 + (y1 - y0) / 2, weights);
+  }
+
+  // The rectangle's four edge midpoints and its centre (xm, ym).
+  void Points(int32_t x0, int32_t y0, int32_t x1, int32_t y1, int32_t xm, int32_t ym, Weights& weights) const {
+    const int32_t a = weights.A(x1 - x0, y1 - y0);
+    const int32_t b = WrappingSubtract(256, a);
+    SetMidpoint(x0, ym, x0, y0, x0, y1, a, b);  // left
+    SetMidpoint(x1, ym, x1, y0, x1, y1, a, b);  // right
+    SetMidpoint(xm, y0, x0, y0, x1, y0, a, b);  // top
+    SetMidpoint(xm, y1, x0, y1, x1, y1, a, b);  // bottom
+    uint16_t& centre = At(xm, ym);
+    if (centre == 0) {
+      draws.Next();  // drawn and not used
+      centre = static_cast<uint16_t>((At(x0, ym) + At(x1, ym) + At(xm, y0) + At(xm, y1)) >> 2);
+    }
   }
 };
 
 // Makes the field for a width x height frame (both positive) anew. When the
 // memory cannot be had, Map stays null and the frames are left untouched.
+// A field of the same size is made in the memory of the last one (taking it
+// anew would cost the fresh pages' faults on every variation or degree).
 void Regenerate(SmoulderingPaperCache& cache, int32_t width, int32_t height) {
-  std::free(cache.Map);
-  cache.Map = nullptr;
   const size_t w = static_cast<size_t>(width), h = static_cast<size_t>(height);
-  if (w <= SIZE_MAX / sizeof(uint16_t) / h) cache.Map = static_cast<uint16_t*>(std::malloc(w * h * sizeof(uint16_t)));
+  if (cache.Map == nullptr || cache.MapWidth != width || cache.MapHeight != height) {
+    std::free(cache.Map);
+    cache.Map = nullptr;
+    if (w <= SIZE_MAX / sizeof(uint16_t) / h) cache.Map = static_cast<uint16_t*>(std::malloc(w * h * sizeof(uint16_t)));
+  }
   if (cache.Map != nullptr) {
     std::srand(static_cast<unsigned>(cache.Seed));
     std::memset(cache.Map, 0, w * h * sizeof(uint16_t));
@@ -169,8 +199,8 @@ void Regenerate(SmoulderingPaperCache& cache, int32_t width, int32_t height) {
     field.At(width - 1, 0) = static_cast<uint16_t>(Draw16(draws));
     field.At(0, height - 1) = static_cast<uint16_t>(Draw16(draws));
     field.At(width - 1, height - 1) = static_cast<uint16_t>(Draw16(draws));
-    Field::Shares across(width), up(height);
-    field.Subdivide(0, 0, width - 1, height - 1, across, up);
+    Field::Weights weights(cache.Degree, width, height);
+    field.Subdivide(0, 0, width - 1, height - 1, weights);
   }
   cache.MapWidth = width;
   cache.MapHeight = height;

@@ -57,12 +57,20 @@ TEST(SmoulderingPaper, TheFieldIsMadeOnlyWhenSizeDegreeOrVariationChange) {
   }
 }
 
-TEST(SmoulderingPaper, OneInstanceAtChangingSizesDrawsAsFreshOnes) {
+// A new field of the same size is made over the last one's memory: it must
+// come out as a fresh instance's does.
+TEST(SmoulderingPaper, OneInstanceAtChangingSizesAndVariationsDrawsAsFreshOnes) {
   emu::Instance moving(Library(), Effect(Library(), "Smouldering Paper"));
-  for (const auto& [w, h] : {std::pair{64, 48}, {17, 90}, {1, 1}, {0, 5}, {64, 48}, {2, 300}, {33, 3}}) {
-    const emu::Frame seen = Render(moving, w, h, 0.45);
+  const struct {
+    int32_t w, h, variation;
+  } rows[] = {{64, 48, 2002}, {17, 90, 2002}, {17, 90, 9}, {1, 1, 9}, {0, 5, 9},
+              {64, 48, 9},    {64, 48, 10},   {2, 300, 10}, {33, 3, 10}};
+  for (const auto& row : rows) {
+    moving.SetValue("Variations of Transition", row.variation);
+    const emu::Frame seen = Render(moving, row.w, row.h, 0.45);
     emu::Instance fresh(Library(), Effect(Library(), "Smouldering Paper"));
-    EXPECT_EQ(seen.pixels, Render(fresh, w, h, 0.45).pixels) << w << "x" << h;
+    fresh.SetValue("Variations of Transition", row.variation);
+    EXPECT_EQ(seen.pixels, Render(fresh, row.w, row.h, 0.45).pixels) << row.w << "x" << row.h << " " << row.variation;
   }
 }
 
