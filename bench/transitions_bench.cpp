@@ -146,18 +146,16 @@ void RegeneratingEveryFrame(benchmark::State& state, const krl::emu::Host* host,
   });
 }
 
-// How many rand() calls one regeneration makes. The transition reseeds
-// rand() with its variation, so replaying the generator from that value
-// until it meets the three values drawn right after the render counts them.
-int64_t RandCallsOfARegeneration(const krl::emu::Host* host, const krl::emu::DeclaredEffect* effect, Size size) {
-  constexpr int32_t kVariation = 4321;
-  krl::emu::Instance instance(*host, *effect);
-  const Inputs& in = InputsOf(size);
-  Frame out(size.w, size.h);
-  instance.SetValue("Variations of Transition", kVariation);
-  instance.Render(in.a, in.b, out, 0.5);
+// How many rand() calls one render makes. rand() is seeded with kReplay
+// before it (Smouldering Paper reseeds it with its variation, which its rows
+// set to the same value), so replaying the generator from there until it
+// meets the three values drawn right after the render counts them.
+constexpr int32_t kReplay = 4321;
+int64_t RandCallsOfARender(krl::emu::Instance& instance, const Inputs& in, Frame& out, double progress) {
+  std::srand(kReplay);
+  instance.Render(in.a, in.b, out, progress);
   const int after[3] = {std::rand(), std::rand(), std::rand()};
-  std::srand(kVariation);
+  std::srand(kReplay);
   int window[3] = {std::rand(), std::rand(), std::rand()};
   for (int64_t calls = 0; calls < (int64_t{1} << 32); ++calls) {
     if (window[0] == after[0] && window[1] == after[1] && window[2] == after[2]) return calls;
@@ -168,14 +166,26 @@ int64_t RandCallsOfARegeneration(const krl::emu::Host* host, const krl::emu::Dec
   return 0;
 }
 
-// The cost of those rand() calls alone: what bounds the regeneration frame.
-void RandCallsOfRegeneration(benchmark::State& state, const krl::emu::Host* host, const krl::emu::DeclaredEffect* effect,
-                             Size size) {
-  const int64_t calls = RandCallsOfARegeneration(host, effect, size);
-  TimeSweep(state, size, [&](double) {
-    for (int64_t i = 0; i < calls; ++i) benchmark::DoNotOptimize(std::rand());
+// The cost of a transition's rand() calls alone, made one by one as a
+// render without its own generator would: what bounds the transitions that
+// draw for their pixels. Smouldering Paper's are those of a new field (the
+// first render of an instance makes one); Random Dissolve's depend on Progress.
+void RandCallsAlone(benchmark::State& state, const krl::emu::Host* host, const krl::emu::DeclaredEffect* effect,
+                    Size size) {
+  const Inputs& in = InputsOf(size);
+  Frame out(size.w, size.h);
+  std::map<double, int64_t> calls;
+  for (const double progress : kProgress) {
+    krl::emu::Instance instance(*host, *effect);
+    if (effect->DisplayName() == "Smouldering Paper") instance.SetValue("Variations of Transition", kReplay);
+    calls[progress] = RandCallsOfARender(instance, in, out, progress);
+  }
+  TimeSweep(state, size, [&](double progress) {
+    for (int64_t i = 0, n = calls[progress]; i < n; ++i) benchmark::DoNotOptimize(std::rand());
   });
-  state.counters["rand() calls"] = static_cast<double>(calls);
+  int64_t total = 0;
+  for (const auto& [progress, n] : calls) total += n;
+  state.counters["rand() calls"] = static_cast<double>(total) / static_cast<double>(calls.size());
 }
 
 }  // namespace
@@ -229,7 +239,9 @@ int main(int argc, char** argv) {
       if (!heavier.empty()) add(e.DisplayName() + "/" + size.Name() + "/heavier", Transition, host.get(), &e, size, heavier);
       if (e.DisplayName() == "Smouldering Paper") {
         add(e.DisplayName() + "/" + size.Name() + "/regenerating", RegeneratingEveryFrame, host.get(), &e, size);
-        add(e.DisplayName() + "/" + size.Name() + "/its rand() calls alone", RandCallsOfRegeneration, host.get(), &e, size);
+      }
+      if (e.DisplayName() == "Smouldering Paper" || e.DisplayName() == "Random Dissolve") {
+        add(e.DisplayName() + "/" + size.Name() + "/its rand() calls alone", RandCallsAlone, host.get(), &e, size);
       }
     }
   }
