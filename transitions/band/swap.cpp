@@ -62,7 +62,7 @@ int32_t SwapRender(t_KrRenderInfo* ri) {
       CopyBlockClipped(rows.output, rows.inputA, shape, {c.x0, span.m, c.y0, c.y1}, span.aShift, 0);
       CopyBlockClipped(rows.output, rows.inputB, shape, {span.m, c.x1, c.y0, c.y1}, span.bShift, 0);
     }
-  });
+  }, CellOrder::AlongRows);
   return 1;
 }
 

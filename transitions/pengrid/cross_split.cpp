@@ -58,7 +58,7 @@ int32_t CrossSplitRender(t_KrRenderInfo* ri) {
         case DoorPart::Opening: CopyRun(out + c.x0, rows.B(y) + c.x0, cw); break;
       }
     });
-  });
+  }, CellOrder::AlongRows);
   return 1;
 }
 

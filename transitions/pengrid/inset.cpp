@@ -83,7 +83,7 @@ int32_t InsetRender(t_KrRenderInfo* ri) {
   const double p = ShapeProgress(ri->Progress);
   const int32_t t = PenThickness(reads.thickness);
   ForEachWholeCell(rows.width, rows.height, reads.divideX, reads.divideY,
-                   [&](const Cell& cell) { PaintCell(rows, cell, corner, p, t, reads.pen); });
+                   [&](const Cell& cell) { PaintCell(rows, cell, corner, p, t, reads.pen); }, CellOrder::AlongRows);
   return 1;
 }
 

@@ -56,7 +56,7 @@ int32_t SlidingDoorsRender(t_KrRenderInfo* ri) {
       const DoorSpans columns = Doors(c.x0, c.x1, p, t);
       for (int32_t y = c.y0; y < c.y1; ++y) PaintDoorRow(rows.Out(y), rows.A(y), rows.B(y), columns, pen);
     }
-  });
+  }, CellOrder::AlongRows);
   return 1;
 }
 
