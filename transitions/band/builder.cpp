@@ -85,11 +85,13 @@ int32_t BuilderRender(t_KrRenderInfo* ri) {
   const int32_t cw = static_cast<int32_t>(std::ceil(static_cast<double>(w) / nx));
   const int32_t ch = static_cast<int32_t>(std::ceil(static_cast<double>(h) / ny));
   // Tiles that ceil rounding puts at or beyond the frame's edge hold no
-  // pixel and draw nothing; the loops stop before them.
-  for (int64_t i = 0; i < nx && i * cw < w; ++i) {
-    const int32_t x0 = static_cast<int32_t>(i * cw), x1 = static_cast<int32_t>(std::min<int64_t>(i * cw + cw, w));
-    for (int64_t j = 0; j < ny && j * ch < h; ++j) {
-      const int32_t top = static_cast<int32_t>(j * ch), th = std::min(ch, h - top);
+  // pixel and draw nothing; the loops stop before them. Each tile is laid
+  // from the inputs alone, so they go along each row of tiles: neighbouring
+  // tiles' rows share memory pages, which then stay in the cache and the TLB.
+  for (int64_t j = 0; j < ny && j * ch < h; ++j) {
+    const int32_t top = static_cast<int32_t>(j * ch), th = std::min(ch, h - top);
+    for (int64_t i = 0; i < nx && i * cw < w; ++i) {
+      const int32_t x0 = static_cast<int32_t>(i * cw), x1 = static_cast<int32_t>(std::min<int64_t>(i * cw + cw, w));
       // Built up: picture rows from the top, so the tile's bottom row is
       // h - top - th; built down: the tile's top row is top + th - 1.
       const Tile tile = dir == 0 ? Tile{x0, x1, h - top - th, th, true} : Tile{x0, x1, top + th - 1, th, false};
