@@ -13,6 +13,7 @@
 #include "raster/numeric.h"
 #include "raster/pixel_rows.h"
 #include "raster/scratch.h"
+#include "transitions/dissolve/fade_row.h"
 
 namespace krl {
 namespace {
@@ -141,38 +142,6 @@ class Throw {
   int32_t width_, height_, halfWidth_, halfHeight_;
   double w_, h_, spread_;
 };
-
-// The fade of a row, each byte a + (b - a) * p truncated. The low 8 bits of
-// the truncated value are stored when a Progress outside 0..1 leaves 0..255.
-// Four bytes' a + (b - a) * p in doubles, truncated: a, b as 32-bit lanes.
-__m128i FadeLanes(__m128i a, __m128i b, __m128d p) {
-  const __m128i d = _mm_sub_epi32(b, a);
-  const __m128d low = _mm_add_pd(_mm_cvtepi32_pd(a), _mm_mul_pd(_mm_cvtepi32_pd(d), p));
-  const __m128d high = _mm_add_pd(_mm_cvtepi32_pd(_mm_srli_si128(a, 8)), _mm_mul_pd(_mm_cvtepi32_pd(_mm_srli_si128(d, 8)), p));
-  return _mm_unpacklo_epi64(_mm_cvttpd_epi32(low), _mm_cvttpd_epi32(high));
-}
-
-void FadeRow(const uint8_t* a, const uint8_t* b, uint8_t* out, size_t bytes, double p) {
-  size_t i = 0;
-  if (p >= 0.0 && p <= 1.0) {
-    // Within 0..255 throughout, so the packing below never saturates: sixteen bytes at a time.
-    const __m128i zero = _mm_setzero_si128();
-    const __m128d pp = _mm_set1_pd(p);
-    for (; i + 16 <= bytes; i += 16) {
-      const __m128i av = _mm_loadu_si128(reinterpret_cast<const __m128i*>(a + i));
-      const __m128i bv = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + i));
-      const __m128i aLow = _mm_unpacklo_epi8(av, zero), aHigh = _mm_unpackhi_epi8(av, zero);
-      const __m128i bLow = _mm_unpacklo_epi8(bv, zero), bHigh = _mm_unpackhi_epi8(bv, zero);
-      const __m128i f0 = FadeLanes(_mm_unpacklo_epi16(aLow, zero), _mm_unpacklo_epi16(bLow, zero), pp);
-      const __m128i f1 = FadeLanes(_mm_unpackhi_epi16(aLow, zero), _mm_unpackhi_epi16(bLow, zero), pp);
-      const __m128i f2 = FadeLanes(_mm_unpacklo_epi16(aHigh, zero), _mm_unpacklo_epi16(bHigh, zero), pp);
-      const __m128i f3 = FadeLanes(_mm_unpackhi_epi16(aHigh, zero), _mm_unpackhi_epi16(bHigh, zero), pp);
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i),
-                       _mm_packus_epi16(_mm_packs_epi32(f0, f1), _mm_packs_epi32(f2, f3)));
-    }
-  }
-  for (; i < bytes; ++i) out[i] = static_cast<uint8_t>(TruncToInt32(a[i] + (b[i] - a[i]) * p));
-}
 
 int32_t ChaoticDissolveRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, clip.transType)) return 0;
