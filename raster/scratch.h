@@ -3,6 +3,8 @@
 // the host (the library is built without exceptions).
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 
@@ -15,10 +17,11 @@ struct ScratchFree {
 template <typename T>
 using Scratch = std::unique_ptr<T[], ScratchFree>;
 
-// Null when `count` elements cannot be had.
+// Null when `count` elements cannot be had: no object can exceed
+// PTRDIFF_MAX bytes, so larger requests are not even made.
 template <typename T>
 Scratch<T> AllocateScratch(size_t count) {
-  if (count > SIZE_MAX / sizeof(T)) return nullptr;
+  if (count > static_cast<size_t>(PTRDIFF_MAX) / sizeof(T)) return nullptr;
   return Scratch<T>(static_cast<T*>(std::malloc(count * sizeof(T))));
 }
 
