@@ -108,6 +108,7 @@ struct FlapColumn {
   bool flap = false;
   double ratio = 0, scale = 0;  // dz / Dc and Dc / dz
   int32_t source = 0;           // B's column floor(mc), held to the frame
+  int32_t runEnd = 0;           // no flap: where the run of such columns of one kind ends
 };
 
 // Phase 1: the side flaps swing open about their hinges at W/4 and 3W/4.
@@ -137,6 +138,12 @@ void DrawSideFlaps(const Paper& k) {
     }
     columns[x] = c;
   }
+  // The runs without a flap are the same in every row: found once.
+  for (int32_t x = f.width - 1; x >= 0; --x) {
+    FlapColumn& c = columns[x];
+    const bool joins = x + 1 < f.width && !columns[x + 1].flap && columns[x + 1].middle == c.middle;
+    c.runEnd = joins ? columns[x + 1].runEnd : x + 1;
+  }
   for (int32_t y = 0; y < f.height; ++y) {
     const double ys = y + 0.5;
     const bool band = k.yb <= ys && ys < k.yt;
@@ -148,10 +155,8 @@ void DrawSideFlaps(const Paper& k) {
       const FlapColumn& c = columns[x];
       const PixelWord* beneath = band && c.middle ? rowB : rowA;
       if (!c.flap) {
-        int32_t end = x + 1;
-        while (end < f.width && !columns[end].flap && columns[end].middle == c.middle) ++end;
-        CopyRun(out + x, beneath + x, end - x);
-        x = end;
+        CopyRun(out + x, beneath + x, c.runEnd - x);
+        x = c.runEnd;
         continue;
       }
       const double y3 = k.cy + fromCentre * c.ratio;  // the point's height on the flap
