@@ -106,23 +106,66 @@ int SourceRuns(const FrameRows& f, const Ball& ball, Travel travel, int32_t y, S
 // then truncated. A NaN or a value past 32 bits (a Progress outside 0..1 can
 // throw the picture off the frame) truncates to INT32_MIN, as the processor
 // does, which like every other place outside 0 .. limit - 1 is not written.
-// Two at a time in SSE2 (both builds have it); the same one by one for an
-// odd last.
-void Places(const double* factor, double scale, double centre, int32_t count, int32_t* place) {
+// Four at a time in SSE2 (both builds have it); the same one by one for the
+// last few.
+double Projected(const double* factor, double scale, double centre, int32_t i) { return centre - factor[i] * scale; }
+int32_t Place(double v, double centre) {
+  const int32_t t = TruncToInt32(v);
+  return WrappingAdd(t, v >= centre && t < v ? 1 : 0);
+}
+
+// Places [begin, end) all short of the centre (or NaN): truncated alone.
+void TruncatedPlaces(const double* factor, double scale, double centre, int32_t begin, int32_t end, int32_t* place) {
   const __m128d c = _mm_set1_pd(centre), s = _mm_set1_pd(scale);
-  int32_t i = 0;
-  for (; i + 2 <= count; i += 2) {
-    const __m128d v = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i), s));
-    const __m128i t = _mm_cvttpd_epi32(v);
-    const __m128d up = _mm_and_pd(_mm_cmpge_pd(v, c), _mm_cmplt_pd(_mm_cvtepi32_pd(t), v));
-    const __m128i ones = _mm_shuffle_epi32(_mm_castpd_si128(up), _MM_SHUFFLE(2, 0, 2, 0));
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(place + i), _mm_sub_epi32(t, ones));
+  int32_t i = begin;
+  for (; i + 4 <= end; i += 4) {
+    const __m128d v0 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i), s));
+    const __m128d v1 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i + 2), s));
+    const __m128i t = _mm_unpacklo_epi64(_mm_cvttpd_epi32(v0), _mm_cvttpd_epi32(v1));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(place + i), t);
   }
-  for (; i < count; ++i) {
-    const double v = centre - factor[i] * scale;
-    const int32_t t = TruncToInt32(v);
-    place[i] = WrappingAdd(t, v >= centre && t < v ? 1 : 0);
+  for (; i < end; ++i) place[i] = TruncToInt32(Projected(factor, scale, centre, i));
+}
+
+// Places [begin, end) all at or past the centre: rounded up.
+void RoundedUpPlaces(const double* factor, double scale, double centre, int32_t begin, int32_t end, int32_t* place) {
+  const __m128d c = _mm_set1_pd(centre), s = _mm_set1_pd(scale);
+  int32_t i = begin;
+  for (; i + 4 <= end; i += 4) {
+    const __m128d v0 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i), s));
+    const __m128d v1 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i + 2), s));
+    const __m128i t0 = _mm_cvttpd_epi32(v0), t1 = _mm_cvttpd_epi32(v1);
+    const __m128d up0 = _mm_cmplt_pd(_mm_cvtepi32_pd(t0), v0), up1 = _mm_cmplt_pd(_mm_cvtepi32_pd(t1), v1);
+    const __m128i ones = _mm_castps_si128(_mm_shuffle_ps(_mm_castpd_ps(up0), _mm_castpd_ps(up1), _MM_SHUFFLE(2, 0, 2, 0)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(place + i), _mm_sub_epi32(_mm_unpacklo_epi64(t0, t1), ones));
   }
+  for (; i < end; ++i) place[i] = Place(Projected(factor, scale, centre, i), centre);
+}
+
+// With `factor` monotone, so are the places (each rounding is monotone,
+// whatever the scale's sign): those at or past the centre are a run at one
+// end, found by bisection, and each side needs only its own rounding.
+// Otherwise every place is tested.
+void Places(const double* factor, bool monotone, double scale, double centre, int32_t count, int32_t* place) {
+  if (count == 0) return;
+  const auto past = [&](int32_t i) { return Projected(factor, scale, centre, i) >= centre; };
+  if (!monotone) {
+    for (int32_t i = 0; i < count; ++i) place[i] = Place(Projected(factor, scale, centre, i), centre);
+    return;
+  }
+  const bool first = past(0), last = past(count - 1);
+  if (first == last) {
+    (first ? RoundedUpPlaces : TruncatedPlaces)(factor, scale, centre, 0, count, place);
+    return;
+  }
+  // past() changes once, between lo and hi.
+  int32_t lo = 0, hi = count - 1;
+  while (hi - lo > 1) {
+    const int32_t mid = lo + (hi - lo) / 2;
+    (past(mid) == first ? lo : hi) = mid;
+  }
+  (first ? RoundedUpPlaces : TruncatedPlaces)(factor, scale, centre, 0, hi, place);
+  (first ? TruncatedPlaces : RoundedUpPlaces)(factor, scale, centre, hi, count, place);
 }
 
 // Sine and cosine in extended precision rounded to double, alike on every build.
@@ -173,15 +216,23 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
     if (cosTheta[x] < cosTheta[leastCos]) leastCos = x;
     if (cosTheta[x] > cosTheta[greatestCos]) greatestCos = x;
   }
+  // The radius is never below 0.6366 W, so θ stays within ±π/4 and a bit:
+  // the sines fall from column to column and the cosines rise up to the
+  // middle. Checked all the same (a NaN counts as not), as Places relies on it.
+  const int32_t firstHalf = W / 2 + 1;
+  bool sinFalls = true, cosRises = true;
+  for (int32_t x = 1; x < W; ++x) sinFalls = sinFalls && sinTheta[x] <= sinTheta[x - 1];
+  for (int32_t x = 1; x < firstHalf && x < W; ++x) cosRises = cosRises && cosTheta[x] >= cosTheta[x - 1];
+  sinFalls = sinFalls && sinTheta[0] == sinTheta[0];
+  cosRises = cosRises && cosTheta[0] == cosTheta[0];
 
   for (int32_t y = 0; y < H; ++y) {
     const double phi = (cy - y) * perRY;
     const double along = Cosine(phi) * ball.rX, across = Sine(phi) * ball.rY;
-    Places(sinTheta, along, cx, W, columns);
+    Places(sinTheta, sinFalls, along, cx, W, columns);
     // Columns x and W - x have the same cos θ (their θ are exact negatives,
     // and the cosine is even): the second half's rows mirror the first's.
-    const int32_t firstHalf = W / 2 + 1;
-    Places(cosTheta, across, cy, firstHalf, rows);
+    Places(cosTheta, cosRises, across, cy, firstHalf, rows);
     for (int32_t x = firstHalf; x < W; ++x) rows[x] = rows[W - x];
     const int32_t lowest = rows[across > 0 ? greatestCos : leastCos];
     const int32_t highest = rows[across > 0 ? leastCos : greatestCos];
