@@ -106,66 +106,72 @@ int SourceRuns(const FrameRows& f, const Ball& ball, Travel travel, int32_t y, S
 // then truncated. A NaN or a value past 32 bits (a Progress outside 0..1 can
 // throw the picture off the frame) truncates to INT32_MIN, as the processor
 // does, which like every other place outside 0 .. limit - 1 is not written.
-// Four at a time in SSE2 (both builds have it); the same one by one for the
-// last few.
-double Projected(const double* factor, double scale, double centre, int32_t i) { return centre - factor[i] * scale; }
-int32_t Place(double v, double centre) {
-  const int32_t t = TruncToInt32(v);
-  return WrappingAdd(t, v >= centre && t < v ? 1 : 0);
-}
+struct Projection {
+  const double* factor;
+  double scale, centre;
+  double At(int32_t i) const { return centre - factor[i] * scale; }
+  int32_t Place(int32_t i) const {
+    const double v = At(i);
+    const int32_t t = TruncToInt32(v);
+    return WrappingAdd(t, v >= centre && t < v ? 1 : 0);
+  }
+};
 
-// Places [begin, end) all short of the centre (or NaN): truncated alone.
-void TruncatedPlaces(const double* factor, double scale, double centre, int32_t begin, int32_t end, int32_t* place) {
-  const __m128d c = _mm_set1_pd(centre), s = _mm_set1_pd(scale);
+// The places [begin, end) of `p`, plus plus[i] when kPlus (wrapping, as
+// the processor adds), all short of the centre (or NaN) or all at or past it:
+// the first only truncated, the second rounded up. Four at a time in SSE2
+// (both builds have it); the same one by one for the last few.
+template <bool kUp, bool kPlus>
+void PlacesOneSide(const Projection& p, int32_t begin, int32_t end, const int32_t* plus, int32_t* place) {
+  const __m128d c = _mm_set1_pd(p.centre), s = _mm_set1_pd(p.scale);
   int32_t i = begin;
   for (; i + 4 <= end; i += 4) {
-    const __m128d v0 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i), s));
-    const __m128d v1 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i + 2), s));
-    const __m128i t = _mm_unpacklo_epi64(_mm_cvttpd_epi32(v0), _mm_cvttpd_epi32(v1));
+    const __m128d v0 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(p.factor + i), s));
+    const __m128d v1 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(p.factor + i + 2), s));
+    const __m128i t0 = _mm_cvttpd_epi32(v0), t1 = _mm_cvttpd_epi32(v1);
+    __m128i t = _mm_unpacklo_epi64(t0, t1);
+    if constexpr (kUp) {
+      const __m128d up0 = _mm_cmplt_pd(_mm_cvtepi32_pd(t0), v0), up1 = _mm_cmplt_pd(_mm_cvtepi32_pd(t1), v1);
+      t = _mm_sub_epi32(t, _mm_castps_si128(_mm_shuffle_ps(_mm_castpd_ps(up0), _mm_castpd_ps(up1), _MM_SHUFFLE(2, 0, 2, 0))));
+    }
+    if constexpr (kPlus) t = _mm_add_epi32(t, _mm_loadu_si128(reinterpret_cast<const __m128i*>(plus + i)));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(place + i), t);
   }
-  for (; i < end; ++i) place[i] = TruncToInt32(Projected(factor, scale, centre, i));
-}
-
-// Places [begin, end) all at or past the centre: rounded up.
-void RoundedUpPlaces(const double* factor, double scale, double centre, int32_t begin, int32_t end, int32_t* place) {
-  const __m128d c = _mm_set1_pd(centre), s = _mm_set1_pd(scale);
-  int32_t i = begin;
-  for (; i + 4 <= end; i += 4) {
-    const __m128d v0 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i), s));
-    const __m128d v1 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i + 2), s));
-    const __m128i t0 = _mm_cvttpd_epi32(v0), t1 = _mm_cvttpd_epi32(v1);
-    const __m128d up0 = _mm_cmplt_pd(_mm_cvtepi32_pd(t0), v0), up1 = _mm_cmplt_pd(_mm_cvtepi32_pd(t1), v1);
-    const __m128i ones = _mm_castps_si128(_mm_shuffle_ps(_mm_castpd_ps(up0), _mm_castpd_ps(up1), _MM_SHUFFLE(2, 0, 2, 0)));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(place + i), _mm_sub_epi32(_mm_unpacklo_epi64(t0, t1), ones));
+  for (; i < end; ++i) {
+    const int32_t at = kUp ? p.Place(i) : TruncToInt32(p.At(i));
+    place[i] = kPlus ? WrappingAdd(at, plus[i]) : at;
   }
-  for (; i < end; ++i) place[i] = Place(Projected(factor, scale, centre, i), centre);
 }
 
 // With `factor` monotone, so are the places (each rounding is monotone,
 // whatever the scale's sign): those at or past the centre are a run at one
 // end, found by bisection, and each side needs only its own rounding.
 // Otherwise every place is tested.
-void Places(const double* factor, bool monotone, double scale, double centre, int32_t count, int32_t* place) {
+template <bool kPlus>
+void Places(const Projection& p, bool monotone, int32_t count, const int32_t* plus, int32_t* place) {
   if (count == 0) return;
-  const auto past = [&](int32_t i) { return Projected(factor, scale, centre, i) >= centre; };
+  const auto past = [&](int32_t i) { return p.At(i) >= p.centre; };
   if (!monotone) {
-    for (int32_t i = 0; i < count; ++i) place[i] = Place(Projected(factor, scale, centre, i), centre);
+    for (int32_t i = 0; i < count; ++i) place[i] = kPlus ? WrappingAdd(p.Place(i), plus[i]) : p.Place(i);
     return;
   }
   const bool first = past(0), last = past(count - 1);
-  if (first == last) {
-    (first ? RoundedUpPlaces : TruncatedPlaces)(factor, scale, centre, 0, count, place);
-    return;
+  int32_t split = first == last ? count : 0;  // past() changes between split - 1 and split
+  if (first != last) {
+    int32_t lo = 0, hi = count - 1;
+    while (hi - lo > 1) {
+      const int32_t mid = lo + (hi - lo) / 2;
+      (past(mid) == first ? lo : hi) = mid;
+    }
+    split = hi;
   }
-  // past() changes once, between lo and hi.
-  int32_t lo = 0, hi = count - 1;
-  while (hi - lo > 1) {
-    const int32_t mid = lo + (hi - lo) / 2;
-    (past(mid) == first ? lo : hi) = mid;
+  if (first) {
+    PlacesOneSide<true, kPlus>(p, 0, split, plus, place);
+    PlacesOneSide<false, kPlus>(p, split, count, plus, place);
+  } else {
+    PlacesOneSide<false, kPlus>(p, 0, split, plus, place);
+    PlacesOneSide<true, kPlus>(p, split, count, plus, place);
   }
-  (first ? RoundedUpPlaces : TruncatedPlaces)(factor, scale, centre, 0, hi, place);
-  (first ? TruncatedPlaces : RoundedUpPlaces)(factor, scale, centre, hi, count, place);
 }
 
 // Sine and cosine in extended precision rounded to double, alike on every build.
@@ -226,21 +232,31 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
   sinFalls = sinFalls && sinTheta[0] == sinTheta[0];
   cosRises = cosRises && cosTheta[0] == cosTheta[0];
 
+  // Where every place of a row lies inside the frame, a row's place and its
+  // column go into one index while the places are computed.
+  const bool indexable = static_cast<int64_t>(W) * H <= INT32_MAX;
   for (int32_t y = 0; y < H; ++y) {
     const double phi = (cy - y) * perRY;
-    const double along = Cosine(phi) * ball.rX, across = Sine(phi) * ball.rY;
-    Places(sinTheta, sinFalls, along, cx, W, columns);
+    const Projection columnsOf{sinTheta, Cosine(phi) * ball.rX, cx}, rowsOf{cosTheta, Sine(phi) * ball.rY, cy};
     // Columns x and W - x have the same cos θ (their θ are exact negatives,
     // and the cosine is even): the second half's rows mirror the first's.
-    Places(cosTheta, cosRises, across, cy, firstHalf, rows);
-    for (int32_t x = firstHalf; x < W; ++x) rows[x] = rows[W - x];
-    const int32_t lowest = rows[across > 0 ? greatestCos : leastCos];
-    const int32_t highest = rows[across > 0 ? leastCos : greatestCos];
+    Places<false>(rowsOf, cosRises, firstHalf, nullptr, rows);
+    const auto rowOf = [&](int32_t x) { return rows[std::min(x, W - x)]; };
+    const int32_t lowest = rowOf(rowsOf.scale > 0 ? greatestCos : leastCos);
+    const int32_t highest = rowOf(rowsOf.scale > 0 ? leastCos : greatestCos);
     fillBelow(std::min(std::max(0, highest), H - 1) + 1);
-    const int32_t left = columns[along > 0 ? greatestSin : leastSin];
-    const int32_t right = columns[along > 0 ? leastSin : greatestSin];
+    const int32_t left = columnsOf.Place(columnsOf.scale > 0 ? greatestSin : leastSin);
+    const int32_t right = columnsOf.Place(columnsOf.scale > 0 ? leastSin : greatestSin);
     // Most rows land wholly inside the frame: there no place needs a test.
-    const bool inside = left >= 0 && right < W && lowest >= 0 && highest < H;
+    const bool inside = left >= 0 && right < W && lowest >= 0 && highest < H && indexable;
+    if (inside) {
+      for (int32_t x = 0; x < firstHalf; ++x) rows[x] *= W;  // below W H
+      for (int32_t x = firstHalf; x < W; ++x) rows[x] = rows[W - x];
+      Places<true>(columnsOf, sinFalls, W, rows, columns);
+    } else {
+      for (int32_t x = firstHalf; x < W; ++x) rows[x] = rows[W - x];
+      Places<false>(columnsOf, sinFalls, W, nullptr, columns);
+    }
     SourceRun runs[2];
     const int count = SourceRuns(f, ball, travel, y, runs);
     for (int r = 0; r < count; ++r) {
@@ -248,15 +264,14 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
       const PixelWord* const from = runs[r].row;
       const int64_t shift = runs[r].shift;
       PixelWord* const out = f.output;
-      const size_t stride = static_cast<size_t>(W);
-      const auto place = [&](int32_t x) { return static_cast<size_t>(rows[x]) * stride + static_cast<size_t>(columns[x]); };
-      if (inside) {
-        for (int32_t x = runs[r].begin, end = runs[r].end; x < end; ++x) out[place(x)] = from[x + shift];
+      if (inside) {  // columns[x] is the pixel's index
+        for (int32_t x = runs[r].begin, end = runs[r].end; x < end; ++x) out[static_cast<uint32_t>(columns[x])] = from[x + shift];
         continue;
       }
+      const size_t stride = static_cast<size_t>(W);
       for (int32_t x = runs[r].begin, end = runs[r].end; x < end; ++x) {
         if (static_cast<uint32_t>(columns[x]) < static_cast<uint32_t>(W) && static_cast<uint32_t>(rows[x]) < static_cast<uint32_t>(H)) {
-          out[place(x)] = from[x + shift];
+          out[static_cast<size_t>(rows[x]) * stride + static_cast<size_t>(columns[x])] = from[x + shift];
         }
       }
     }
