@@ -117,42 +117,76 @@ struct Projection {
   }
 };
 
-// The places [begin, end) of `p`, plus plus[i] when kPlus (wrapping, as
-// the processor adds), all short of the centre (or NaN) or all at or past it:
-// the first only truncated, the second rounded up. Four at a time in SSE2
-// (both builds have it); the same one by one for the last few.
-template <bool kUp, bool kPlus>
-void PlacesOneSide(const Projection& p, int32_t begin, int32_t end, const int32_t* plus, int32_t* place) {
+// What is stored of each place: the place itself or, on a row whose places
+// all lie inside the frame (and W and H below 2^15), its pixel's index. There
+// a row's place is stored times W, the start of its row, and a column's place
+// plus the start of its row, which is stored for the columns 0 .. W / 2 alone
+// (columns x and W - x land on the same row).
+enum class Stored { kPlace, kRowStart, kIndex };
+struct Output {
+  int32_t* to;
+  int32_t width = 0;
+  const int32_t* rowStart = nullptr;
+  int32_t RowStartOf(int32_t x) const { return rowStart[std::min(x, width - x)]; }
+};
+
+template <Stored kStored>
+int32_t Finished(int32_t place, const Output& out, int32_t i) {
+  if constexpr (kStored == Stored::kRowStart) return place * out.width;
+  if constexpr (kStored == Stored::kIndex) return place + out.RowStartOf(i);
+  return place;
+}
+
+// The places [begin, end) of `p`, all short of the centre (or NaN) or all at
+// or past it: the first only truncated, the second rounded up. Four at a time
+// in SSE2 (both builds have it); the same one by one for the last few.
+template <bool kUp, Stored kStored>
+void PlacesOneSide(const Projection& p, int32_t begin, int32_t end, const Output& out) {
+  // Locals: a store of a place may alias anything, `out` included.
+  const double* const factor = p.factor;
+  int32_t* const to = out.to;
+  const int32_t* const rowStart = out.rowStart;
+  const int32_t W = out.width, half = W / 2;
   const __m128d c = _mm_set1_pd(p.centre), s = _mm_set1_pd(p.scale);
+  const __m128i width = _mm_set1_epi32(W);
   int32_t i = begin;
   for (; i + 4 <= end; i += 4) {
-    const __m128d v0 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(p.factor + i), s));
-    const __m128d v1 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(p.factor + i + 2), s));
+    const __m128d v0 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i), s));
+    const __m128d v1 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i + 2), s));
     const __m128i t0 = _mm_cvttpd_epi32(v0), t1 = _mm_cvttpd_epi32(v1);
     __m128i t = _mm_unpacklo_epi64(t0, t1);
     if constexpr (kUp) {
       const __m128d up0 = _mm_cmplt_pd(_mm_cvtepi32_pd(t0), v0), up1 = _mm_cmplt_pd(_mm_cvtepi32_pd(t1), v1);
       t = _mm_sub_epi32(t, _mm_castps_si128(_mm_shuffle_ps(_mm_castpd_ps(up0), _mm_castpd_ps(up1), _MM_SHUFFLE(2, 0, 2, 0))));
     }
-    if constexpr (kPlus) t = _mm_add_epi32(t, _mm_loadu_si128(reinterpret_cast<const __m128i*>(plus + i)));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(place + i), t);
+    // Both factors below 2^15, their upper halves 0: one multiply of 16 bits.
+    if constexpr (kStored == Stored::kRowStart) t = _mm_madd_epi16(t, width);
+    if constexpr (kStored == Stored::kIndex) {
+      __m128i start;
+      if (i + 3 <= half) {
+        start = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rowStart + i));
+      } else if (i > half) {  // of columns W - i - 3 .. W - i, in reverse
+        start = _mm_shuffle_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(rowStart + (W - i - 3))), _MM_SHUFFLE(0, 1, 2, 3));
+      } else {
+        start = _mm_setr_epi32(out.RowStartOf(i), out.RowStartOf(i + 1), out.RowStartOf(i + 2), out.RowStartOf(i + 3));
+      }
+      t = _mm_add_epi32(t, start);
+    }
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + i), t);
   }
-  for (; i < end; ++i) {
-    const int32_t at = kUp ? p.Place(i) : TruncToInt32(p.At(i));
-    place[i] = kPlus ? WrappingAdd(at, plus[i]) : at;
-  }
+  for (; i < end; ++i) to[i] = Finished<kStored>(kUp ? p.Place(i) : TruncToInt32(p.At(i)), out, i);
 }
 
 // With `factor` monotone, so are the places (each rounding is monotone,
 // whatever the scale's sign): those at or past the centre are a run at one
 // end, found by bisection, and each side needs only its own rounding.
 // Otherwise every place is tested.
-template <bool kPlus>
-void Places(const Projection& p, bool monotone, int32_t count, const int32_t* plus, int32_t* place) {
+template <Stored kStored>
+void Places(const Projection& p, bool monotone, int32_t count, const Output& out) {
   if (count == 0) return;
   const auto past = [&](int32_t i) { return p.At(i) >= p.centre; };
   if (!monotone) {
-    for (int32_t i = 0; i < count; ++i) place[i] = kPlus ? WrappingAdd(p.Place(i), plus[i]) : p.Place(i);
+    for (int32_t i = 0; i < count; ++i) out.to[i] = Finished<kStored>(p.Place(i), out, i);
     return;
   }
   const bool first = past(0), last = past(count - 1);
@@ -166,11 +200,11 @@ void Places(const Projection& p, bool monotone, int32_t count, const int32_t* pl
     split = hi;
   }
   if (first) {
-    PlacesOneSide<true, kPlus>(p, 0, split, plus, place);
-    PlacesOneSide<false, kPlus>(p, split, count, plus, place);
+    PlacesOneSide<true, kStored>(p, 0, split, out);
+    PlacesOneSide<false, kStored>(p, split, count, out);
   } else {
-    PlacesOneSide<false, kPlus>(p, 0, split, plus, place);
-    PlacesOneSide<true, kPlus>(p, split, count, plus, place);
+    PlacesOneSide<false, kStored>(p, 0, split, out);
+    PlacesOneSide<true, kStored>(p, split, count, out);
   }
 }
 
@@ -232,30 +266,29 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
   sinFalls = sinFalls && sinTheta[0] == sinTheta[0];
   cosRises = cosRises && cosTheta[0] == cosTheta[0];
 
-  // Where every place of a row lies inside the frame, a row's place and its
-  // column go into one index while the places are computed.
-  const bool indexable = static_cast<int64_t>(W) * H <= INT32_MAX;
+  // Where every place of a row lies inside the frame, the places are stored
+  // as pixel indices (see Stored).
+  const bool indexable = W < 32768 && H < 32768;
   for (int32_t y = 0; y < H; ++y) {
     const double phi = (cy - y) * perRY;
     const Projection columnsOf{sinTheta, Cosine(phi) * ball.rX, cx}, rowsOf{cosTheta, Sine(phi) * ball.rY, cy};
     // Columns x and W - x have the same cos θ (their θ are exact negatives,
-    // and the cosine is even): the second half's rows mirror the first's.
-    Places<false>(rowsOf, cosRises, firstHalf, nullptr, rows);
-    const auto rowOf = [&](int32_t x) { return rows[std::min(x, W - x)]; };
+    // and the cosine is even): the rows of the first half serve both.
+    const auto rowOf = [&](int32_t x) { return rowsOf.Place(std::min(x, W - x)); };
     const int32_t lowest = rowOf(rowsOf.scale > 0 ? greatestCos : leastCos);
     const int32_t highest = rowOf(rowsOf.scale > 0 ? leastCos : greatestCos);
     fillBelow(std::min(std::max(0, highest), H - 1) + 1);
     const int32_t left = columnsOf.Place(columnsOf.scale > 0 ? greatestSin : leastSin);
     const int32_t right = columnsOf.Place(columnsOf.scale > 0 ? leastSin : greatestSin);
     // Most rows land wholly inside the frame: there no place needs a test.
-    const bool inside = left >= 0 && right < W && lowest >= 0 && highest < H && indexable;
+    const bool inside = indexable && left >= 0 && right < W && lowest >= 0 && highest < H;
     if (inside) {
-      for (int32_t x = 0; x < firstHalf; ++x) rows[x] *= W;  // below W H
-      for (int32_t x = firstHalf; x < W; ++x) rows[x] = rows[W - x];
-      Places<true>(columnsOf, sinFalls, W, rows, columns);
+      Places<Stored::kRowStart>(rowsOf, cosRises, firstHalf, {rows, W});
+      Places<Stored::kIndex>(columnsOf, sinFalls, W, {columns, W, rows});
     } else {
+      Places<Stored::kPlace>(rowsOf, cosRises, firstHalf, {rows});
       for (int32_t x = firstHalf; x < W; ++x) rows[x] = rows[W - x];
-      Places<false>(columnsOf, sinFalls, W, nullptr, columns);
+      Places<Stored::kPlace>(columnsOf, sinFalls, W, {columns});
     }
     SourceRun runs[2];
     const int count = SourceRuns(f, ball, travel, y, runs);
