@@ -137,9 +137,22 @@ int32_t Finished(int32_t place, const Output& out, int32_t i) {
   return place;
 }
 
+// Four places v0, v1 truncated, or rounded up where they lie at or past the
+// centre; in SSE2, which both builds have.
+__m128i Truncated(__m128d v0, __m128d v1) { return _mm_unpacklo_epi64(_mm_cvttpd_epi32(v0), _mm_cvttpd_epi32(v1)); }
+__m128i RoundedUp(__m128d v0, __m128d v1) {
+  const __m128i t0 = _mm_cvttpd_epi32(v0), t1 = _mm_cvttpd_epi32(v1);
+  const __m128d up0 = _mm_cmplt_pd(_mm_cvtepi32_pd(t0), v0), up1 = _mm_cmplt_pd(_mm_cvtepi32_pd(t1), v1);
+  const __m128i ones = _mm_castps_si128(_mm_shuffle_ps(_mm_castpd_ps(up0), _mm_castpd_ps(up1), _MM_SHUFFLE(2, 0, 2, 0)));
+  return _mm_sub_epi32(_mm_unpacklo_epi64(t0, t1), ones);
+}
+__m128i Load4(const int32_t* from) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from)); }
+void Store4(int32_t* to, __m128i t) { _mm_storeu_si128(reinterpret_cast<__m128i*>(to), t); }
+__m128i Reversed(__m128i t) { return _mm_shuffle_epi32(t, _MM_SHUFFLE(0, 1, 2, 3)); }
+
 // The places [begin, end) of `p`, all short of the centre (or NaN) or all at
-// or past it: the first only truncated, the second rounded up. Four at a time
-// in SSE2 (both builds have it); the same one by one for the last few.
+// or past it: the first only truncated, the second rounded up. Four at a time;
+// the same one by one for the last few.
 template <bool kUp, Stored kStored>
 void PlacesOneSide(const Projection& p, int32_t begin, int32_t end, const Output& out) {
   // Locals: a store of a place may alias anything, `out` included.
@@ -153,28 +166,44 @@ void PlacesOneSide(const Projection& p, int32_t begin, int32_t end, const Output
   for (; i + 4 <= end; i += 4) {
     const __m128d v0 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i), s));
     const __m128d v1 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i + 2), s));
-    const __m128i t0 = _mm_cvttpd_epi32(v0), t1 = _mm_cvttpd_epi32(v1);
-    __m128i t = _mm_unpacklo_epi64(t0, t1);
-    if constexpr (kUp) {
-      const __m128d up0 = _mm_cmplt_pd(_mm_cvtepi32_pd(t0), v0), up1 = _mm_cmplt_pd(_mm_cvtepi32_pd(t1), v1);
-      t = _mm_sub_epi32(t, _mm_castps_si128(_mm_shuffle_ps(_mm_castpd_ps(up0), _mm_castpd_ps(up1), _MM_SHUFFLE(2, 0, 2, 0))));
-    }
+    __m128i t = kUp ? RoundedUp(v0, v1) : Truncated(v0, v1);
     // Both factors below 2^15, their upper halves 0: one multiply of 16 bits.
     if constexpr (kStored == Stored::kRowStart) t = _mm_madd_epi16(t, width);
     if constexpr (kStored == Stored::kIndex) {
-      __m128i start;
       if (i + 3 <= half) {
-        start = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rowStart + i));
+        t = _mm_add_epi32(t, Load4(rowStart + i));
       } else if (i > half) {  // of columns W - i - 3 .. W - i, in reverse
-        start = _mm_shuffle_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(rowStart + (W - i - 3))), _MM_SHUFFLE(0, 1, 2, 3));
+        t = _mm_add_epi32(t, Reversed(Load4(rowStart + (W - i - 3))));
       } else {
-        start = _mm_setr_epi32(out.RowStartOf(i), out.RowStartOf(i + 1), out.RowStartOf(i + 2), out.RowStartOf(i + 3));
+        t = _mm_add_epi32(t, _mm_setr_epi32(out.RowStartOf(i), out.RowStartOf(i + 1), out.RowStartOf(i + 2), out.RowStartOf(i + 3)));
       }
-      t = _mm_add_epi32(t, start);
     }
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + i), t);
+    Store4(to + i, t);
   }
   for (; i < end; ++i) to[i] = Finished<kStored>(kUp ? p.Place(i) : TruncToInt32(p.At(i)), out, i);
+}
+
+// The pixel indices of columns [begin, end), short of the centre, and of
+// their mirrors W - x, past it, where the sines are odd (factor[W - x] is
+// -factor[x]): a mirror's place is centre + factor[x] scale, from the same
+// product, on the same row.
+void MirroredIndices(const Projection& p, int32_t begin, int32_t end, const Output& out) {
+  const double* const factor = p.factor;
+  int32_t* const to = out.to;
+  const int32_t* const rowStart = out.rowStart;
+  const int32_t W = out.width;
+  const __m128d c = _mm_set1_pd(p.centre), s = _mm_set1_pd(p.scale);
+  int32_t x = begin;
+  for (; x + 4 <= end; x += 4) {
+    const __m128d s0 = _mm_mul_pd(_mm_loadu_pd(factor + x), s), s1 = _mm_mul_pd(_mm_loadu_pd(factor + x + 2), s);
+    const __m128i start = Load4(rowStart + x);
+    Store4(to + x, _mm_add_epi32(Truncated(_mm_sub_pd(c, s0), _mm_sub_pd(c, s1)), start));
+    Store4(to + (W - x - 3), Reversed(_mm_add_epi32(RoundedUp(_mm_add_pd(c, s0), _mm_add_pd(c, s1)), start)));
+  }
+  for (; x < end; ++x) {
+    to[x] = TruncToInt32(p.At(x)) + rowStart[x];
+    to[W - x] = p.Place(W - x) + rowStart[x];
+  }
 }
 
 // With `factor` monotone, so are the places (each rounding is monotone,
@@ -182,7 +211,7 @@ void PlacesOneSide(const Projection& p, int32_t begin, int32_t end, const Output
 // end, found by bisection, and each side needs only its own rounding.
 // Otherwise every place is tested.
 template <Stored kStored>
-void Places(const Projection& p, bool monotone, int32_t count, const Output& out) {
+void Places(const Projection& p, bool monotone, int32_t count, const Output& out, bool odd = false) {
   if (count == 0) return;
   const auto past = [&](int32_t i) { return p.At(i) >= p.centre; };
   if (!monotone) {
@@ -202,10 +231,17 @@ void Places(const Projection& p, bool monotone, int32_t count, const Output& out
   if (first) {
     PlacesOneSide<true, kStored>(p, 0, split, out);
     PlacesOneSide<false, kStored>(p, split, count, out);
-  } else {
-    PlacesOneSide<false, kStored>(p, 0, split, out);
-    PlacesOneSide<true, kStored>(p, split, count, out);
+    return;
   }
+  // Columns 1 .. pairs - 1, short of the centre, go with their mirrors, past it.
+  int32_t pairs = 1;
+  if constexpr (kStored == Stored::kIndex) {
+    if (odd) pairs = std::max(1, std::min(split, count - split + 1));
+  }
+  PlacesOneSide<false, kStored>(p, 0, std::min(1, split), out);
+  if constexpr (kStored == Stored::kIndex) MirroredIndices(p, 1, pairs, out);
+  PlacesOneSide<false, kStored>(p, pairs, split, out);
+  PlacesOneSide<true, kStored>(p, split, count - pairs + 1, out);
 }
 
 // Sine and cosine in extended precision rounded to double, alike on every build.
@@ -264,6 +300,10 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
   for (int32_t x = 1; x < W; ++x) sinFalls = sinFalls && sinTheta[x] <= sinTheta[x - 1];
   for (int32_t x = 1; x < firstHalf && x < W; ++x) cosRises = cosRises && cosTheta[x] >= cosTheta[x - 1];
   sinFalls = sinFalls && sinTheta[0] == sinTheta[0];
+  // θ of columns x and W - x are exact negatives: their sines, too, are alike
+  // but for the sign (checked, as for the cosines).
+  bool sinOdd = true;
+  for (int32_t x = 1; x < W; ++x) sinOdd = sinOdd && sinTheta[W - x] == -sinTheta[x];
   cosRises = cosRises && cosTheta[0] == cosTheta[0];
 
   // Where every place of a row lies inside the frame, the places are stored
@@ -284,7 +324,7 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
     const bool inside = indexable && left >= 0 && right < W && lowest >= 0 && highest < H;
     if (inside) {
       Places<Stored::kRowStart>(rowsOf, cosRises, firstHalf, {rows, W});
-      Places<Stored::kIndex>(columnsOf, sinFalls, W, {columns, W, rows});
+      Places<Stored::kIndex>(columnsOf, sinFalls, W, {columns, W, rows}, sinOdd);
     } else {
       Places<Stored::kPlace>(rowsOf, cosRises, firstHalf, {rows});
       for (int32_t x = firstHalf; x < W; ++x) rows[x] = rows[W - x];
