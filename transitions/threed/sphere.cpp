@@ -222,6 +222,15 @@ void Places(const Projection& p, bool monotone, int32_t count, const Output& out
   int32_t split = first == last ? count : 0;  // past() changes between split - 1 and split
   if (first != last) {
     int32_t lo = 0, hi = count - 1;
+    // A row's columns change sides in the middle (θ changes sign there):
+    // tried first.
+    const int32_t middle = count - count / 2;
+    if (past(middle) == first) {
+      lo = middle;
+    } else {
+      hi = middle;
+      if (past(middle - 1) == first) lo = middle - 1;
+    }
     while (hi - lo > 1) {
       const int32_t mid = lo + (hi - lo) / 2;
       (past(mid) == first ? lo : hi) = mid;
