@@ -319,11 +319,11 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
   for (int32_t x = 1; x < W; ++x) sinFalls = sinFalls && sinTheta[x] <= sinTheta[x - 1];
   for (int32_t x = 1; x < firstHalf && x < W; ++x) cosRises = cosRises && cosTheta[x] >= cosTheta[x - 1];
   sinFalls = sinFalls && sinTheta[0] == sinTheta[0];
-  // θ of columns x and W - x are exact negatives: their sines, too, are alike
-  // but for the sign (checked, as for the cosines).
+  cosRises = cosRises && cosTheta[0] == cosTheta[0];
+  // θ of columns x and W - x are exact negatives: their sines are alike but
+  // for the sign (checked too).
   bool sinOdd = true;
   for (int32_t x = 1; x < W; ++x) sinOdd = sinOdd && sinTheta[W - x] == -sinTheta[x];
-  cosRises = cosRises && cosTheta[0] == cosTheta[0];
 
   // Where every place of a row lies inside the frame, the places are stored
   // as pixel indices (see Stored).
