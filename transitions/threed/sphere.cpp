@@ -106,23 +106,159 @@ int SourceRuns(const FrameRows& f, const Ball& ball, Travel travel, int32_t y, S
 // then truncated. A NaN or a value past 32 bits (a Progress outside 0..1 can
 // throw the picture off the frame) truncates to INT32_MIN, as the processor
 // does, which like every other place outside 0 .. limit - 1 is not written.
-// Two at a time in SSE2 (both builds have it); the same one by one for an
-// odd last.
-void Places(const double* factor, double scale, double centre, int32_t count, int32_t* place) {
-  const __m128d c = _mm_set1_pd(centre), s = _mm_set1_pd(scale);
-  int32_t i = 0;
-  for (; i + 2 <= count; i += 2) {
-    const __m128d v = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i), s));
-    const __m128i t = _mm_cvttpd_epi32(v);
-    const __m128d up = _mm_and_pd(_mm_cmpge_pd(v, c), _mm_cmplt_pd(_mm_cvtepi32_pd(t), v));
-    const __m128i ones = _mm_shuffle_epi32(_mm_castpd_si128(up), _MM_SHUFFLE(2, 0, 2, 0));
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(place + i), _mm_sub_epi32(t, ones));
-  }
-  for (; i < count; ++i) {
-    const double v = centre - factor[i] * scale;
+struct Projection {
+  const double* factor;
+  double scale, centre;
+  double At(int32_t i) const { return centre - factor[i] * scale; }
+  int32_t Place(int32_t i) const {
+    const double v = At(i);
     const int32_t t = TruncToInt32(v);
-    place[i] = WrappingAdd(t, v >= centre && t < v ? 1 : 0);
+    return WrappingAdd(t, v >= centre && t < v ? 1 : 0);
   }
+};
+
+// What is stored of each place: the place itself or, on a row whose places
+// all lie inside the frame (and W and H below 2^15), its pixel's index. There
+// a row's place is stored times W, the start of its row, and a column's place
+// plus the start of its row, which is stored for the columns 0 .. W / 2 alone
+// (columns x and W - x land on the same row).
+enum class Stored { kPlace, kRowStart, kIndex };
+struct Output {
+  int32_t* to;
+  int32_t width = 0;
+  const int32_t* rowStart = nullptr;
+  int32_t RowStartOf(int32_t x) const { return rowStart[std::min(x, width - x)]; }
+};
+
+template <Stored kStored>
+int32_t Finished(int32_t place, const Output& out, int32_t i) {
+  if constexpr (kStored == Stored::kRowStart) return place * out.width;
+  if constexpr (kStored == Stored::kIndex) return place + out.RowStartOf(i);
+  return place;
+}
+
+// Four places v0, v1 truncated, or rounded up where they lie at or past the
+// centre; in SSE2, which both builds have.
+__m128i Truncated(__m128d v0, __m128d v1) { return _mm_unpacklo_epi64(_mm_cvttpd_epi32(v0), _mm_cvttpd_epi32(v1)); }
+__m128i RoundedUp(__m128d v0, __m128d v1) {
+  const __m128i t0 = _mm_cvttpd_epi32(v0), t1 = _mm_cvttpd_epi32(v1);
+  const __m128d up0 = _mm_cmplt_pd(_mm_cvtepi32_pd(t0), v0), up1 = _mm_cmplt_pd(_mm_cvtepi32_pd(t1), v1);
+  const __m128i ones = _mm_castps_si128(_mm_shuffle_ps(_mm_castpd_ps(up0), _mm_castpd_ps(up1), _MM_SHUFFLE(2, 0, 2, 0)));
+  return _mm_sub_epi32(_mm_unpacklo_epi64(t0, t1), ones);
+}
+__m128i Load4(const int32_t* from) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from)); }
+void Store4(int32_t* to, __m128i t) { _mm_storeu_si128(reinterpret_cast<__m128i*>(to), t); }
+__m128i Reversed(__m128i t) { return _mm_shuffle_epi32(t, _MM_SHUFFLE(0, 1, 2, 3)); }
+
+// The places [begin, end) of `p`, all short of the centre (or NaN) or all at
+// or past it: the first only truncated, the second rounded up. Four at a time;
+// the same one by one for the last few.
+template <bool kUp, Stored kStored>
+void PlacesOneSide(const Projection& p, int32_t begin, int32_t end, const Output& out) {
+  // Locals: a store of a place may alias anything, `out` included.
+  const double* const factor = p.factor;
+  int32_t* const to = out.to;
+  const int32_t* const rowStart = out.rowStart;
+  const int32_t W = out.width, half = W / 2;
+  const __m128d c = _mm_set1_pd(p.centre), s = _mm_set1_pd(p.scale);
+  const __m128i width = _mm_set1_epi32(W);
+  int32_t i = begin;
+  for (; i + 4 <= end; i += 4) {
+    const __m128d v0 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i), s));
+    const __m128d v1 = _mm_sub_pd(c, _mm_mul_pd(_mm_loadu_pd(factor + i + 2), s));
+    __m128i t = kUp ? RoundedUp(v0, v1) : Truncated(v0, v1);
+    // Both factors below 2^15, their upper halves 0: one multiply of 16 bits.
+    if constexpr (kStored == Stored::kRowStart) t = _mm_madd_epi16(t, width);
+    if constexpr (kStored == Stored::kIndex) {
+      if (i + 3 <= half) {
+        t = _mm_add_epi32(t, Load4(rowStart + i));
+      } else if (i > half) {  // of columns W - i - 3 .. W - i, in reverse
+        t = _mm_add_epi32(t, Reversed(Load4(rowStart + (W - i - 3))));
+      } else {
+        t = _mm_add_epi32(t, _mm_setr_epi32(out.RowStartOf(i), out.RowStartOf(i + 1), out.RowStartOf(i + 2), out.RowStartOf(i + 3)));
+      }
+    }
+    Store4(to + i, t);
+  }
+  for (; i < end; ++i) to[i] = Finished<kStored>(kUp ? p.Place(i) : TruncToInt32(p.At(i)), out, i);
+}
+
+// The pixel indices of columns [begin, end), short of the centre, and of
+// their mirrors W - x, past it, where the sines are odd (factor[W - x] is
+// -factor[x]): a mirror's place is centre + factor[x] scale, from the same
+// product, on the same row.
+void MirroredIndices(const Projection& p, int32_t begin, int32_t end, const Output& out) {
+  const double* const factor = p.factor;
+  int32_t* const to = out.to;
+  const int32_t* const rowStart = out.rowStart;
+  const int32_t W = out.width;
+  const __m128d c = _mm_set1_pd(p.centre), s = _mm_set1_pd(p.scale);
+  int32_t x = begin;
+  for (; x + 4 <= end; x += 4) {
+    const __m128d s0 = _mm_mul_pd(_mm_loadu_pd(factor + x), s), s1 = _mm_mul_pd(_mm_loadu_pd(factor + x + 2), s);
+    const __m128i start = Load4(rowStart + x);
+    Store4(to + x, _mm_add_epi32(Truncated(_mm_sub_pd(c, s0), _mm_sub_pd(c, s1)), start));
+    Store4(to + (W - x - 3), Reversed(_mm_add_epi32(RoundedUp(_mm_add_pd(c, s0), _mm_add_pd(c, s1)), start)));
+  }
+  for (; x < end; ++x) {
+    to[x] = TruncToInt32(p.At(x)) + rowStart[x];
+    to[W - x] = p.Place(W - x) + rowStart[x];
+  }
+}
+
+// With `factor` monotone, so are the places (each rounding is monotone,
+// whatever the scale's sign): those at or past the centre are a run at one
+// end, found by bisection, and each side needs only its own rounding.
+// Otherwise every place is tested.
+template <Stored kStored>
+void Places(const Projection& p, bool monotone, int32_t count, const Output& out, bool odd = false) {
+  if (count == 0) return;
+  const auto past = [&](int32_t i) { return p.At(i) >= p.centre; };
+  if (!monotone) {
+    for (int32_t i = 0; i < count; ++i) out.to[i] = Finished<kStored>(p.Place(i), out, i);
+    return;
+  }
+  const bool first = past(0), last = past(count - 1);
+  int32_t split = first == last ? count : 0;  // past() changes between split - 1 and split
+  if (first != last) {
+    int32_t lo = 0, hi = count - 1;
+    // A row's columns change sides in the middle (θ changes sign there):
+    // tried first.
+    const int32_t middle = count - count / 2;
+    if (past(middle) == first) {
+      lo = middle;
+    } else {
+      hi = middle;
+      if (past(middle - 1) == first) lo = middle - 1;
+    }
+    while (hi - lo > 1) {
+      const int32_t mid = lo + (hi - lo) / 2;
+      (past(mid) == first ? lo : hi) = mid;
+    }
+    split = hi;
+  }
+  if (first) {
+    PlacesOneSide<true, kStored>(p, 0, split, out);
+    PlacesOneSide<false, kStored>(p, split, count, out);
+    return;
+  }
+  // Columns 1 .. pairs - 1, short of the centre, go with their mirrors, past it.
+  int32_t pairs = 1;
+  if constexpr (kStored == Stored::kIndex) {
+    if (odd) pairs = std::max(1, std::min(split, count - split + 1));
+  }
+  PlacesOneSide<false, kStored>(p, 0, std::min(1, split), out);
+  if constexpr (kStored == Stored::kIndex) MirroredIndices(p, 1, pairs, out);
+  PlacesOneSide<false, kStored>(p, pairs, split, out);
+  PlacesOneSide<true, kStored>(p, split, count - pairs + 1, out);
+}
+
+// `count` pixels from `to` on set to `pixel` with the processor's string
+// store, which on a long run can write whole cache lines without reading
+// them in first (a loop of stores cannot); measured faster here on both
+// builds. Any alignment will do.
+void FillPixels(PixelWord* to, uint32_t pixel, size_t count) {
+  asm volatile("rep stosl" : "+D"(to), "+c"(count) : "a"(pixel) : "memory");
 }
 
 // Sine and cosine in extended precision rounded to double, alike on every build.
@@ -142,7 +278,9 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
   // can land in it (then still in the cache for the pixels that follow).
   int32_t filled = 0;  // rows below it hold the background
   const auto fillBelow = [&](int32_t end) {
-    for (; filled < end; ++filled) FillRun(f.Out(filled), background, W);
+    if (filled >= end) return;
+    FillPixels(f.Out(filled), background, static_cast<size_t>(end - filled) * static_cast<size_t>(W));
+    filled = end;
   };
 
   const double w = W, h = H, cx = w / 2, cy = h / 2;
@@ -173,23 +311,44 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
     if (cosTheta[x] < cosTheta[leastCos]) leastCos = x;
     if (cosTheta[x] > cosTheta[greatestCos]) greatestCos = x;
   }
+  // The radius is never below 0.6366 W, so θ stays within ±π/4 and a bit:
+  // the sines fall from column to column and the cosines rise up to the
+  // middle. Checked all the same (a NaN counts as not), as Places relies on it.
+  const int32_t firstHalf = W / 2 + 1;
+  bool sinFalls = true, cosRises = true;
+  for (int32_t x = 1; x < W; ++x) sinFalls = sinFalls && sinTheta[x] <= sinTheta[x - 1];
+  for (int32_t x = 1; x < firstHalf && x < W; ++x) cosRises = cosRises && cosTheta[x] >= cosTheta[x - 1];
+  sinFalls = sinFalls && sinTheta[0] == sinTheta[0];
+  cosRises = cosRises && cosTheta[0] == cosTheta[0];
+  // θ of columns x and W - x are exact negatives: their sines are alike but
+  // for the sign (checked too).
+  bool sinOdd = true;
+  for (int32_t x = 1; x < W; ++x) sinOdd = sinOdd && sinTheta[W - x] == -sinTheta[x];
 
+  // Where every place of a row lies inside the frame, the places are stored
+  // as pixel indices (see Stored).
+  const bool indexable = W < 32768 && H < 32768;
   for (int32_t y = 0; y < H; ++y) {
     const double phi = (cy - y) * perRY;
-    const double along = Cosine(phi) * ball.rX, across = Sine(phi) * ball.rY;
-    Places(sinTheta, along, cx, W, columns);
+    const Projection columnsOf{sinTheta, Cosine(phi) * ball.rX, cx}, rowsOf{cosTheta, Sine(phi) * ball.rY, cy};
     // Columns x and W - x have the same cos θ (their θ are exact negatives,
-    // and the cosine is even): the second half's rows mirror the first's.
-    const int32_t firstHalf = W / 2 + 1;
-    Places(cosTheta, across, cy, firstHalf, rows);
-    for (int32_t x = firstHalf; x < W; ++x) rows[x] = rows[W - x];
-    const int32_t lowest = rows[across > 0 ? greatestCos : leastCos];
-    const int32_t highest = rows[across > 0 ? leastCos : greatestCos];
+    // and the cosine is even): the rows of the first half serve both.
+    const auto rowOf = [&](int32_t x) { return rowsOf.Place(std::min(x, W - x)); };
+    const int32_t lowest = rowOf(rowsOf.scale > 0 ? greatestCos : leastCos);
+    const int32_t highest = rowOf(rowsOf.scale > 0 ? leastCos : greatestCos);
     fillBelow(std::min(std::max(0, highest), H - 1) + 1);
-    const int32_t left = columns[along > 0 ? greatestSin : leastSin];
-    const int32_t right = columns[along > 0 ? leastSin : greatestSin];
+    const int32_t left = columnsOf.Place(columnsOf.scale > 0 ? greatestSin : leastSin);
+    const int32_t right = columnsOf.Place(columnsOf.scale > 0 ? leastSin : greatestSin);
     // Most rows land wholly inside the frame: there no place needs a test.
-    const bool inside = left >= 0 && right < W && lowest >= 0 && highest < H;
+    const bool inside = indexable && left >= 0 && right < W && lowest >= 0 && highest < H;
+    if (inside) {
+      Places<Stored::kRowStart>(rowsOf, cosRises, firstHalf, {rows, W});
+      Places<Stored::kIndex>(columnsOf, sinFalls, W, {columns, W, rows}, sinOdd);
+    } else {
+      Places<Stored::kPlace>(rowsOf, cosRises, firstHalf, {rows});
+      for (int32_t x = firstHalf; x < W; ++x) rows[x] = rows[W - x];
+      Places<Stored::kPlace>(columnsOf, sinFalls, W, {columns});
+    }
     SourceRun runs[2];
     const int count = SourceRuns(f, ball, travel, y, runs);
     for (int r = 0; r < count; ++r) {
@@ -197,15 +356,14 @@ int32_t SphereRender(t_KrRenderInfo* ri) {
       const PixelWord* const from = runs[r].row;
       const int64_t shift = runs[r].shift;
       PixelWord* const out = f.output;
-      const size_t stride = static_cast<size_t>(W);
-      const auto place = [&](int32_t x) { return static_cast<size_t>(rows[x]) * stride + static_cast<size_t>(columns[x]); };
-      if (inside) {
-        for (int32_t x = runs[r].begin, end = runs[r].end; x < end; ++x) out[place(x)] = from[x + shift];
+      if (inside) {  // columns[x] is the pixel's index
+        for (int32_t x = runs[r].begin, end = runs[r].end; x < end; ++x) out[static_cast<uint32_t>(columns[x])] = from[x + shift];
         continue;
       }
+      const size_t stride = static_cast<size_t>(W);
       for (int32_t x = runs[r].begin, end = runs[r].end; x < end; ++x) {
         if (static_cast<uint32_t>(columns[x]) < static_cast<uint32_t>(W) && static_cast<uint32_t>(rows[x]) < static_cast<uint32_t>(H)) {
-          out[place(x)] = from[x + shift];
+          out[static_cast<size_t>(rows[x]) * stride + static_cast<size_t>(columns[x])] = from[x + shift];
         }
       }
     }

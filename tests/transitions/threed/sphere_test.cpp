@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 
+#include "emulator/digest.h"
 #include "transitions/pengrid/pen_grid_support.h"
 
 namespace krl::test {
@@ -97,6 +98,27 @@ TEST(Sphere, OddProgressAndTinyFramesStayInside) {
         for (const uint32_t px : out.pixels) EXPECT_NE(SourceOf(px), '.') << p << " " << w << "x" << h;
       }
     }
+  }
+}
+
+TEST(Sphere, RowsOffTheFrameAndFramesPast32767KeepTheirPixels) {
+  // Where a row's places do not all lie inside the frame (a Progress outside
+  // 0..1 throws its last column just past it), and on frames of 2^15 columns
+  // or rows or more, each place is tested instead of going into a pixel
+  // index. The frames of those cases as each place tested alone rendered them.
+  const struct {
+    int32_t w, h;
+    double p;
+    int32_t direction;
+    const char* digest;
+  } cases[] = {
+      {97, 61, std::nan(""), 0, "7e8ce95868a1b5c5"}, {64, 47, 1e300, 2, "8064258943349965"},
+      {40, 31, -1e300, 1, "172762ea811eaf4e"},      {32768, 3, 0.5, 0, "9b045ad09276ecc0"},
+      {32769, 2, 0.3, 2, "58b00b435c95f9ad"},       {3, 32768, 0.5, 3, "fee91edb19f33f2e"},
+      {2, 32769, 0.7, 1, "d51646ebfe1b7cf4"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(emu::DigestText(RenderSphere(c.w, c.h, c.p, c.direction)), c.digest) << c.w << "x" << c.h << " p=" << c.p;
   }
 }
 
