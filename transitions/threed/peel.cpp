@@ -121,7 +121,7 @@ class Sheet {
     }
     uint32_t col = pixelB;
     if (s_.shadow && Inside(At(vx, vy, 0, delta))) {
-      col = Shade(col, 0.5 + 0.5 * std::clamp((delta - r_) / r_, 0.0, 1.0));
+      col = ShadeWeighted(col, ShadeWeight(0.5 + 0.5 * std::clamp((delta - r_) / r_, 0.0, 1.0)));
     }
     const double rim = s_.antiAlias ? std::clamp((r_ - delta) + 0.5, 0.0, 1.0) : (delta < r_ ? 1.0 : 0.0);
     // Beyond the curl band no layer gets any weight: mix with 0 keeps col.
@@ -148,13 +148,10 @@ class Sheet {
    public:
     explicit Watch(double margin) : margin_(margin) {}
     void Whole(double v) {
-      if (!(std::abs(v) < 1e9)) {
-        close_ = true;
-        return;
-      }
-      // Within 1e9 the truncation fits 32 bits: one SSE2 conversion on both builds.
-      const double d = std::abs(v - static_cast<double>(static_cast<int32_t>(v)));
-      if (d < margin_ || d > 1 - margin_) close_ = true;
+      // Below 2^51 adding and taking off 1.5 x 2^52 rounds to the nearest
+      // whole number (the render runs with rounding to nearest).
+      constexpr double kRound = 6755399441055744.0;
+      if (!(std::abs(v) < 1e9) || std::abs(v - ((v + kRound) - kRound)) < margin_) close_ = true;
     }
     bool Close() const { return close_; }
 
@@ -181,7 +178,8 @@ class Sheet {
     if (watch) {
       watch->Whole(s.x);
       watch->Whole(s.y);
-      watch->Whole(coverage * 256 + 0.5);
+      // Without anti-aliasing the coverage is 0 or 1, never close to a step.
+      if (s_.antiAlias) watch->Whole(coverage * 256 + 0.5);
     }
     return coverage;
   }
@@ -199,9 +197,8 @@ class Sheet {
   uint32_t Top(uint32_t col, Point s, uint32_t shade, double rim, Watch* watch) const {
     const double coverage = Covered(s, rim, watch);
     if (coverage == 0) return col;
-    const uint32_t top = s_.transparent ? MixWeighted(col, ShadeWeighted(a_.Nearest(s.x, s.y), shade), 128)
-                                        : ShadeWeighted(s_.back, shade);
-    return Over(col, top, coverage);
+    if (!s_.transparent) return Over(col, shade == kUnshaded ? s_.back : ShadeWeighted(s_.back, shade), coverage);
+    return Over(col, MixWeighted(col, ShadeWeighted(a_.Nearest(s.x, s.y), shade), 128), coverage);
   }
 
   Settings s_;
