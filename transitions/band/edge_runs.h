@@ -40,6 +40,21 @@ uint32_t SoftEdge(uint32_t p, LazyQ q, double r) {
   return weightP == 0 ? q() : MixWeighted(q(), p, weightP);
 }
 
+// The column in (same, other] where the monotone zone changes from z, for
+// zone(same) == z and zone(other) != z, by halving.
+template <typename Zone, typename Z>
+int32_t HalveToChange(int32_t same, int32_t other, Zone zone, Z z) {
+  while (other - same > 1) {
+    const int32_t mid = same + (other - same) / 2;
+    if (zone(mid) == z) {
+      same = mid;
+    } else {
+      other = mid;
+    }
+  }
+  return other;
+}
+
 // The first column in (from, end) whose zone differs from that of `from`, or
 // end; zone(x) must be monotone along [from, end). A change expected close
 // to `from` (the next border of a blend one pixel wide) is sought in steps
@@ -58,15 +73,7 @@ int32_t NextZoneChange(int32_t from, int32_t end, Zone zone, bool near = false) 
       same += step;
     }
   }
-  while (other - same > 1) {
-    const int32_t mid = same + (other - same) / 2;
-    if (zone(mid) == z) {
-      same = mid;
-    } else {
-      other = mid;
-    }
-  }
-  return other;
+  return HalveToChange(same, other, zone, z);
 }
 
 // Calls found(x) for every column of [begin, end) where the monotone zone(x)
@@ -88,6 +95,37 @@ ColumnRange HoldingRange(int32_t begin, int32_t end, Predicate holds) {
   if (begin >= end) return {begin, begin};
   const int32_t change = NextZoneChange(begin, end, holds);
   return holds(begin) ? ColumnRange{begin, change} : ColumnRange{change, end};
+}
+
+// HoldingRange sought from a guess of the column where the predicate
+// changes, updated to the column found (`end` for none): steps doubling
+// from the guess, then halving. A guess close to the change, such as the
+// change found on the row before, costs a few calls of the predicate; any
+// guess gives the same range.
+template <typename Predicate>
+ColumnRange HoldingRangeFrom(int32_t begin, int32_t end, int32_t& guess, Predicate holds) {
+  if (begin >= end) return {begin, begin};
+  const bool first = holds(begin);
+  int32_t change = end;
+  if (end - begin >= 2 && holds(end - 1) != first) {
+    int32_t same = begin, other = end - 1;  // holds(same) == first, holds(other) != first
+    const int32_t at = guess <= same ? same + 1 : (guess >= other ? other : guess);
+    const bool after = holds(at) == first;  // the change lies after `at`
+    (after ? same : other) = at;
+    for (int64_t step = 1; step < other - same; step *= 2) {
+      const auto x = static_cast<int32_t>(after ? same + step : other - step);
+      if (holds(x) != first) {
+        other = x;
+        if (after) break;
+      } else {
+        same = x;
+        if (!after) break;
+      }
+    }
+    change = HalveToChange(same, other, holds, first);
+  }
+  guess = change;
+  return first ? ColumnRange{begin, change} : ColumnRange{change, end};
 }
 
 inline ColumnRange Intersect(ColumnRange a, ColumnRange b) {

@@ -15,6 +15,7 @@
 #include <emmintrin.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "host/render_prologue.h"
 #include "host/transition.h"
@@ -60,12 +61,16 @@ class TurnedA {
   void Paint() const {
     constexpr int32_t kBandRows = 32;
     RowRuns runs[kBandRows];
+    // Where each of the eight searches of a row found its change, the guess
+    // for the next row: A's edges move little from one row to the next.
+    int32_t changes[8];
+    std::fill(std::begin(changes), std::end(changes), rows_.width / 2);
     for (int32_t y0 = 0; y0 < rows_.height; y0 += kBandRows) {
       const int32_t n = std::min(kBandRows, rows_.height - y0);
       for (int32_t i = 0; i < n; ++i) {
         const int32_t y = y0 + i;
         const Row r = RowOf(y);
-        runs[i] = {RunOf(r), antiAlias_ ? WholeRunOf(r) : ColumnRange{0, 0}};
+        runs[i] = {RunOf(r, changes), antiAlias_ ? WholeRunOf(r, changes + 4) : ColumnRange{0, 0}};
         PixelWord* out = rows_.Out(y);
         const PixelWord* b = rows_.B(y);
         CopyRun(out, b, runs[i].shown.begin);
@@ -86,7 +91,7 @@ class TurnedA {
   }
 
  private:
-  static constexpr int32_t kTileColumns = 64;
+  static constexpr int32_t kTileColumns = 128;
 
   struct Row {
     double yk2, yk1;  // Y x k2 and Y x k1
@@ -103,8 +108,9 @@ class TurnedA {
     return {Y * k2_, Y * k1_};
   }
 
-  // The columns of a row that show A (or, with anti-aliasing, not plainly B).
-  ColumnRange RunOf(const Row& r) const {
+  // The columns of a row that show A (or, with anti-aliasing, not plainly B),
+  // sought from four guesses.
+  ColumnRange RunOf(const Row& r, int32_t* changes) const {
     const double w = rows_.width, h = rows_.height;
     const int32_t width = rows_.width;
     ColumnRange run{0, width};
@@ -113,15 +119,15 @@ class TurnedA {
       // g, and a product with g > 0 keeps their order, so each distance must
       // leave B on its own.
       auto blended = [&](double d) { return MixWeight(0.5 - d * g_) < 256; };
-      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return blended(U(x, r)); }));
-      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return blended(w - U(x, r)); }));
-      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return blended(V(x, r)); }));
-      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return blended(h - V(x, r)); }));
+      run = Intersect(run, HoldingRangeFrom(0, width, changes[0], [&](int32_t x) { return blended(U(x, r)); }));
+      run = Intersect(run, HoldingRangeFrom(0, width, changes[1], [&](int32_t x) { return blended(w - U(x, r)); }));
+      run = Intersect(run, HoldingRangeFrom(0, width, changes[2], [&](int32_t x) { return blended(V(x, r)); }));
+      run = Intersect(run, HoldingRangeFrom(0, width, changes[3], [&](int32_t x) { return blended(h - V(x, r)); }));
     } else {
-      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return 0 <= U(x, r); }));
-      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return U(x, r) < w; }));
-      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return 0 <= V(x, r); }));
-      run = Intersect(run, HoldingRange(0, width, [&](int32_t x) { return V(x, r) < h; }));
+      run = Intersect(run, HoldingRangeFrom(0, width, changes[0], [&](int32_t x) { return 0 <= U(x, r); }));
+      run = Intersect(run, HoldingRangeFrom(0, width, changes[1], [&](int32_t x) { return U(x, r) < w; }));
+      run = Intersect(run, HoldingRangeFrom(0, width, changes[2], [&](int32_t x) { return 0 <= V(x, r); }));
+      run = Intersect(run, HoldingRangeFrom(0, width, changes[3], [&](int32_t x) { return V(x, r) < h; }));
     }
     return run;
   }
@@ -129,8 +135,8 @@ class TurnedA {
   // With anti-aliasing, the columns whose e leaves no weight to B and whose
   // four sample pixels lie inside A: by the same order argument each
   // distance must do so on its own, together with its side's inside test,
-  // and both rise (or fall) with the distance.
-  ColumnRange WholeRunOf(const Row& r) const {
+  // and both rise (or fall) with the distance. Sought from four guesses.
+  ColumnRange WholeRunOf(const Row& r, int32_t* changes) const {
     const double w = rows_.width, h = rows_.height;
     const double lastColumn = rows_.width - 1, lastRow = rows_.height - 1;
     const int32_t width = rows_.width;
@@ -140,10 +146,10 @@ class TurnedA {
     auto lowV = [&](int32_t x) { return whole(V(x, r)) && V(x, r) - 0.5 >= 0; };
     auto highV = [&](int32_t x) { return whole(h - V(x, r)) && V(x, r) - 0.5 < lastRow; };
     ColumnRange run{0, width};
-    run = Intersect(run, HoldingRange(0, width, lowU));
-    run = Intersect(run, HoldingRange(0, width, highU));
-    run = Intersect(run, HoldingRange(0, width, lowV));
-    return Intersect(run, HoldingRange(0, width, highV));
+    run = Intersect(run, HoldingRangeFrom(0, width, changes[0], lowU));
+    run = Intersect(run, HoldingRangeFrom(0, width, changes[1], highU));
+    run = Intersect(run, HoldingRangeFrom(0, width, changes[2], lowV));
+    return Intersect(run, HoldingRangeFrom(0, width, changes[3], highV));
   }
 
   // Inside A, where 0 <= u < W and 0 <= v < H: floor(u) and floor(v) are
@@ -235,7 +241,7 @@ class TurnedA {
 
   // The taps of a run of at most a tile, two columns at a time in SSE2
   // doubles, each value rounded as the scalar formulas round it; their
-  // pixels are then asked of the cache.
+  // pixels are asked of the cache as they are found.
   void FindTaps(int32_t y, ColumnRange run, const TileColumns& columns, Taps* taps) const {
     const Row r = RowOf(y);
     const __m128d half = _mm_set1_pd(0.5), scale = _mm_set1_pd(256.0), cx = _mm_set1_pd(cx_), cy = _mm_set1_pd(cy_);
@@ -244,6 +250,8 @@ class TurnedA {
     const double* xk1 = columns.xk1 + (run.begin - columns.begin);
     const double* xk2 = columns.xk2 + (run.begin - columns.begin);
     const int32_t n = run.end - run.begin;
+    const PixelWord* a = rows_.inputA;
+    const size_t w = static_cast<size_t>(rows_.width);
     for (int32_t i = 0; i < n; i += 2) {
       const __m128d us = _mm_sub_pd(_mm_add_pd(cx, _mm_sub_pd(_mm_loadu_pd(xk1 + i), yk2)), half);
       const __m128d vs = _mm_sub_pd(_mm_add_pd(cy, _mm_add_pd(_mm_loadu_pd(xk2 + i), yk1)), half);
@@ -252,21 +260,29 @@ class TurnedA {
       const __m128i c = _mm_cvttpd_epi32(us), row = _mm_cvttpd_epi32(vs);
       const __m128i rowStart = _mm_mul_epu32(_mm_unpacklo_epi32(row, zero), width);
       const __m128i at = _mm_add_epi64(rowStart, _mm_unpacklo_epi32(c, zero));
-      auto weights = [&](__m128d s, __m128i whole) {
-        const __m128d fraction = _mm_sub_pd(s, _mm_cvtepi32_pd(whole));
-        return WeightPairs(_mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(fraction, scale), half)));
+      auto fraction256 = [&](__m128d s, __m128i whole) {
+        return _mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(_mm_sub_pd(s, _mm_cvtepi32_pd(whole)), scale), half));
       };
-      const __m128i pairs = _mm_unpacklo_epi32(weights(us, c), weights(vs, row));
+      // The four weights at once, then each column's across and up side by side.
+      const __m128i weights = WeightPairs(_mm_unpacklo_epi64(fraction256(us, c), fraction256(vs, row)));
+      const __m128i pairs = _mm_shuffle_epi32(weights, _MM_SHUFFLE(3, 1, 2, 0));
       _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i]), _mm_unpacklo_epi64(at, pairs));
       _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i + 1]), _mm_unpackhi_epi64(at, pairs));
-    }
-    const PixelWord* a = rows_.inputA;
-    const size_t w = static_cast<size_t>(rows_.width);
-    for (int32_t i = 0; i < n; ++i) {
-      const PixelWord* p0 = a + static_cast<size_t>(taps[i].at);
+      // Only the first of the two is asked for: the second's pixels lie
+      // beside them, or on lines the next pair asks for.
+      const PixelWord* p0 = a + FirstPlace(at);
       __builtin_prefetch(p0);
       __builtin_prefetch(p0 + w);
     }
+  }
+
+  // The place in the low 64 bits, all of which size_t holds.
+  static size_t FirstPlace(__m128i at) {
+#if defined(__x86_64__)
+    return static_cast<size_t>(_mm_cvtsi128_si64(at));
+#else
+    return static_cast<size_t>(_mm_cvtsi128_si32(at));  // a 32-bit place: the upper half is 0
+#endif
   }
 
   // The samples of a run's taps, two at a time.
