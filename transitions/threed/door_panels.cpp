@@ -12,7 +12,11 @@
 // copies, runs of pen fills, doors gathers from A.
 #include "transitions/threed/door_panels.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
+#include <array>
+#include <type_traits>
 #include <utility>
 
 #include "host/host_calls.h"
@@ -265,6 +269,120 @@ uint32_t BoxAverage(const PixelWord* line, size_t stride, int32_t centre, int32_
          divider.Of(sum[3], count) << 24;
 }
 
+// Counts the anti-aliasing divides by in 16-bit lanes: every byte sum of up
+// to kLaneCounts pixels fits a lane, and so does the reciprocal below.
+constexpr int32_t kLaneCounts = 181;
+
+// n / d for n <= 255 * d as ((n * m) >> 16) >> shift, m = ceil(2^(16 + shift) / d):
+// the product exceeds n / d by less than n / 2^(16 + shift), below 1 / d
+// while n * d < 2^(16 + shift), so the quotient is exact. The shift is the
+// least that makes 255 * d * d fit; m then still fits 16 bits for d <= 181.
+struct LaneReciprocal {
+  uint16_t m = 0, shift = 0;
+};
+
+constexpr std::array<LaneReciprocal, kLaneCounts + 1> kLaneReciprocals = [] {
+  std::array<LaneReciprocal, kLaneCounts + 1> table{};
+  for (uint32_t d = 2; d <= kLaneCounts; ++d) {
+    uint32_t shift = 0;
+    while (255 * d * d >= (uint32_t{1} << (16 + shift))) ++shift;
+    const uint32_t m = ((uint32_t{1} << (16 + shift)) + d - 1) / d;
+    if (m <= 0xFFFF) table[d] = {static_cast<uint16_t>(m), static_cast<uint16_t>(shift)};
+  }
+  return table;
+}();
+static_assert(std::all_of(kLaneReciprocals.begin() + 2, kLaneReciprocals.end(), [](LaneReciprocal r) { return r.m != 0; }),
+              "every count up to kLaneCounts has a reciprocal that fits a lane");
+
+// The four byte sums of a pixel, side by side in the low four 16-bit lanes.
+inline __m128i Widened(uint32_t px) {
+  return _mm_unpacklo_epi8(_mm_cvtsi32_si128(static_cast<int>(px)), _mm_setzero_si128());
+}
+
+// Divides 16-bit lanes of byte sums by one count d (2 <= d <= kLaneCounts).
+class LaneDivider {
+ public:
+  LaneDivider() = default;
+  explicit LaneDivider(int32_t d)
+      : m_(_mm_set1_epi16(static_cast<int16_t>(kLaneReciprocals[static_cast<size_t>(d)].m))),
+        shift_(_mm_cvtsi32_si128(kLaneReciprocals[static_cast<size_t>(d)].shift)) {}
+  __m128i Of(__m128i sums) const { return _mm_srl_epi16(_mm_mulhi_epu16(sums, m_), shift_); }
+
+ private:
+  __m128i m_ = _mm_setzero_si128(), shift_ = _mm_setzero_si128();
+};
+
+// The pixel of the quotients in the low four lanes.
+inline uint32_t PackedPixel(__m128i quotients) {
+  return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(quotients, quotients)));
+}
+
+// BoxAverage along a row for a box of n pixels from `box` (0 < n < kLaneCounts):
+// the sums in 16-bit lanes, four pixels a load where the box has them.
+inline uint32_t BoxMean(const PixelWord* box, int32_t n, uint32_t middle, const LaneDivider& divider) {
+  const __m128i zero = _mm_setzero_si128();
+  __m128i pairs = zero;  // two pixels' sums side by side
+  int32_t k = 0;
+  for (; k + 4 <= n; k += 4) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(box + k));
+    pairs = _mm_add_epi16(pairs, _mm_add_epi16(_mm_unpacklo_epi8(v, zero), _mm_unpackhi_epi8(v, zero)));
+  }
+  if (k + 2 <= n) {
+    pairs = _mm_add_epi16(pairs, _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(box + k)), zero));
+    k += 2;
+  }
+  __m128i sums = _mm_add_epi16(Widened(middle), _mm_add_epi16(pairs, _mm_srli_si128(pairs, 8)));
+  if (k < n) sums = _mm_add_epi16(sums, Widened(box[k]));
+  return PackedPixel(divider.Of(sums));
+}
+
+// The box sums of BoxMean for a box of N = 3, 5 or 7 pixels, unrolled.
+template <int32_t N>
+inline __m128i BoxSums(const PixelWord* box, uint32_t middle) {
+  static_assert(N == 3 || N == 5 || N == 7);
+  const __m128i zero = _mm_setzero_si128();
+  // The last pixel and the middle side by side, then the rest two or four at a time.
+  const __m128i ends = _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(box[N - 1])),
+                                          _mm_cvtsi32_si128(static_cast<int>(middle)));
+  __m128i pairs = _mm_unpacklo_epi8(ends, zero);
+  if constexpr (N == 3) {
+    pairs = _mm_add_epi16(pairs, _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(box)), zero));
+  } else {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(box));
+    pairs = _mm_add_epi16(pairs, _mm_add_epi16(_mm_unpacklo_epi8(v, zero), _mm_unpackhi_epi8(v, zero)));
+    if constexpr (N == 7) {
+      pairs = _mm_add_epi16(pairs, _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(box + 4)), zero));
+    }
+  }
+  return _mm_add_epi16(pairs, _mm_srli_si128(pairs, 8));
+}
+
+// BoxAverage down the columns c0 .. c1 at once, into to[c0 .. c1]: the pixel
+// of the row `middle` twice with those of the n rows from `first`
+// (0 < n < kLaneCounts), rows `stride` pixels apart; read row by row.
+void AverageRows(PixelWord* to, const PixelWord* middle, const PixelWord* first, size_t stride, int32_t n, int32_t c0,
+                 int32_t c1, const LaneDivider& divider) {
+  const __m128i zero = _mm_setzero_si128();
+  int32_t c = c0;
+  for (; c + 3 <= c1; c += 4) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(middle + c));
+    __m128i low = _mm_unpacklo_epi8(v, zero), high = _mm_unpackhi_epi8(v, zero);
+    size_t at = static_cast<size_t>(c);
+    for (int32_t k = 0; k < n; ++k, at += stride) {
+      const __m128i u = _mm_loadu_si128(reinterpret_cast<const __m128i*>(first + at));
+      low = _mm_add_epi16(low, _mm_unpacklo_epi8(u, zero));
+      high = _mm_add_epi16(high, _mm_unpackhi_epi8(u, zero));
+    }
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + c), _mm_packus_epi16(divider.Of(low), divider.Of(high)));
+  }
+  for (; c <= c1; ++c) {
+    __m128i sums = Widened(middle[c]);
+    size_t at = static_cast<size_t>(c);
+    for (int32_t k = 0; k < n; ++k, at += stride) sums = _mm_add_epi16(sums, Widened(first[at]));
+    to[c] = PackedPixel(divider.Of(sums));
+  }
+}
+
 // Places [begin, end) of an output row in which a door place's distance
 // steps by one and the tests below are monotone, so that from the end where
 // the doors are (goodAtBegin or not) they show door, then pen, then B.
@@ -325,6 +443,22 @@ Stretches Split(const Segment& s, int32_t doors, int32_t covered) {
   return {s.end - doors, s.end, s.end - covered, s.end - doors, s.begin, s.end - covered};
 }
 
+// A door place along as the gathers read it: its edge e and source place
+// along; with anti-aliasing its box instead, n places from lo (n = 0: none)
+// and the source place `middle` places on from lo.
+struct DoorColumn {
+  int32_t e, source;
+};
+
+struct DoorBox {
+  int32_t e, lo, n, middle;
+};
+
+// A source row a door pixel reads.
+struct SourceLine {
+  const PixelWord* pixels;
+};
+
 struct DoorScene {
   FrameRows rows;  // inputA: the doors' picture D, inputB: the revealed R
   bool columns;    // hinges on the cells' columns: along = x
@@ -336,10 +470,14 @@ struct DoorScene {
   const SourceOffsets* offsets;
   Segment* segments;
   int32_t lowestEdge, highestEdge;  // of the door places (the highest held to the half cell across)
-  const int32_t* edges;    // along[x].e and along[x].source once more, packed for the pixel loops
-  const int32_t* sources;
+  const DoorColumn* doorColumns;    // along[x].e and along[x].source once more, packed for the gathers
+  const DoorBox* boxes;             // anti-aliasing: along[x]'s box
+  bool boxed;                       // anti-aliasing: some door place averages a box
+  int32_t commonBox;                // anti-aliasing: the box size of places not clipped by a cell's edge
+  const LaneDivider* dividers;      // anti-aliasing: by count, up to kLaneCounts
   int32_t* columnSources;  // Vertical members: the source column of each door place for the edge `columnsEdge`
   int32_t columnsEdge;
+  PixelWord* averaged;     // Vertical members with anti-aliasing: the row's box averages by source column
 };
 
 // The outside a door's cut edge is mixed with: the pen, or B where it is drawn.
@@ -367,11 +505,39 @@ void PaintSegments(const DoorScene& s, int32_t y, int32_t segmentCount, IsDoor i
   }
 }
 
+// The anti-aliased doors of a stretch: each pixel the BoxAverage of its box in
+// the source row of its edge. Boxes of N places (the unclipped size, 3, 5 or
+// 7; 0: none of these) take the unrolled sums.
+template <int32_t N>
+void GatherBoxes(PixelWord* to, PixelWord* end, const DoorBox* box, const SourceLine* rowLines,
+                 const LaneDivider* dividers, uintptr_t ahead, ByteDivider& divider) {
+  const LaneDivider common = N != 0 ? dividers[N + 1] : LaneDivider();
+  for (; to != end; ++to, ++box) {
+    const PixelWord* line = rowLines[box->e].pixels;
+    const PixelWord* at = line + box->lo;
+    __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + ahead));
+    const int32_t n = box->n;
+    if constexpr (N != 0) {
+      if (n == N) {
+        *to = PackedPixel(common.Of(BoxSums<N>(at, at[box->middle])));
+        continue;
+      }
+    }
+    if (n == 0) {
+      *to = at[box->middle];
+    } else if (n < kLaneCounts) {
+      *to = BoxMean(at, n, at[box->middle], dividers[n + 1]);
+    } else {
+      *to = BoxAverage(line, 1, box->lo + box->middle, box->lo, box->lo + n - 1, divider);
+    }
+  }
+}
+
 // Doors, Swinging Door: an output row is one place across; along runs with
 // x. A door place reads the source row of its edge e: the row's source row
-// for every e up to r is worked out first (rowStarts), from the offsets of
+// for every e up to r is worked out first (rowLines), from the offsets of
 // distance r side by side, so the door's pixels are a gather by two tables.
-void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, size_t* rowStarts, ByteDivider& divider) {
+void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, SourceLine* rowLines, ByteDivider& divider) {
   const AcrossPlace& row = s.across[y];
   if (row.r == kUnwritten) return;
   PixelWord* out = s.rows.Out(y);
@@ -383,31 +549,50 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, size_t*
   const bool tabled = offsets != nullptr && s.lowestEdge >= 0;
   if (tabled) {
     const int32_t edges = std::min(row.r, s.highestEdge);
-    const size_t width = static_cast<size_t>(s.rows.width);
-    for (int32_t e = 0; e <= edges; ++e) rowStarts[e] = static_cast<size_t>(row.Source(offsets[e], s.rows.height)) * width;
+    for (int32_t e = 0; e <= edges; ++e) rowLines[e].pixels = s.rows.A(row.Source(offsets[e], s.rows.height));
   }
   auto penQuarter = [&](int32_t x) { return row.rPen == along[x].e ? along[x].q : 0; };
   PaintSegments(s, y, segmentCount, isDoor, isCovered, penQuarter, [&](int32_t doorBegin, int32_t doorEnd) {
-    // The reads jump between as many source rows as the row has edges, too many
-    // streams for the processor to foresee; the rows two further on are asked for ahead.
-    const PixelWord* from = s.rows.inputA;
-    const uintptr_t ahead = reinterpret_cast<uintptr_t>(from) + 8 * static_cast<uintptr_t>(s.rows.width);
-    if (tabled && !s.aa) {
-      const int32_t* edges = s.edges;
-      const int32_t* sources = s.sources;
-      for (int32_t x = doorBegin; x < doorEnd; ++x) {
-        const size_t at = rowStarts[edges[x]] + static_cast<size_t>(sources[x]);
-        __builtin_prefetch(reinterpret_cast<const void*>(ahead + 4 * at));
-        out[x] = from[at];
+    if (tabled && (!s.aa || !s.boxed)) {
+      // The reads jump between as many source rows as the row has edges, too many
+      // streams for the processor to foresee; the rows two further on are asked for ahead.
+      const uintptr_t ahead = 8 * static_cast<uintptr_t>(s.rows.width);
+      const DoorColumn* column = s.doorColumns + doorBegin;
+      for (PixelWord *to = out + doorBegin, *end = out + doorEnd; to != end; ++to, ++column) {
+        const PixelWord* at = rowLines[column->e].pixels + column->source;
+        __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + ahead));
+        *to = *at;
       }
+    } else if (tabled) {
+      const uintptr_t ahead = 8 * static_cast<uintptr_t>(s.rows.width);
+      auto gather = [&](auto unrolled) {
+        GatherBoxes<decltype(unrolled)::value>(out + doorBegin, out + doorEnd, s.boxes + doorBegin, rowLines,
+                                               s.dividers, ahead, divider);
+      };
+      switch (s.commonBox) {
+        case 3: gather(std::integral_constant<int32_t, 3>()); break;
+        case 5: gather(std::integral_constant<int32_t, 5>()); break;
+        case 7: gather(std::integral_constant<int32_t, 7>()); break;
+        default: gather(std::integral_constant<int32_t, 0>()); break;
+      }
+    }
+    if (tabled) {
+      if (!s.aa) return;
+      // The cut edge (r = e): e does not fall from a segment's door end on, and
+      // no door place has e > r, so the places on the edge close the stretch.
+      auto onEdge = [&](int32_t x) { return s.doorColumns[x].e == row.r; };
+      auto cut = [&](int32_t x) {
+        if (along[x].q != 0) out[x] = MixQuarters(out[x], Outside(s, revealed[x]), along[x].q);
+      };
+      int32_t x = doorEnd - 1;
+      for (; x >= doorBegin && onEdge(x); --x) cut(x);
+      for (int32_t z = doorBegin; z <= x && onEdge(z); ++z) cut(z);
       return;
     }
-    // Anti-aliased, or offsets not kept (huge cells, or an edge below 0 where 32-bit products wrapped).
+    // Offsets not kept (huge cells, or an edge below 0 where 32-bit products wrapped).
     for (int32_t x = doorBegin; x < doorEnd; ++x) {
       const AlongPlace& p = along[x];
-      const PixelWord* source = tabled ? from + rowStarts[p.e]
-                                       : s.rows.A(row.Source(s.offsets->At(row.r, p.e), s.rows.height));
-      if (tabled) __builtin_prefetch(reinterpret_cast<const void*>(ahead + 4 * (rowStarts[p.e] + static_cast<size_t>(p.source))));
+      const PixelWord* source = s.rows.A(row.Source(s.offsets->At(row.r, p.e), s.rows.height));
       uint32_t v = s.aa ? BoxAverage(source, 1, p.source, p.boxLo, p.boxHi, divider) : source[p.source];
       if (s.aa && row.r == p.e && p.q != 0) v = MixQuarters(v, Outside(s, revealed[x]), p.q);
       out[x] = v;
@@ -418,7 +603,9 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, size_t*
 // Vertical Doors, Vertical Swinging Door: an output row is one place along.
 // The source column of a door place depends on the row's edge e only, and
 // neighbouring rows mostly share it: the columns are worked out when e
-// changes (columnSources), and the doors are a gather from one source row.
+// changes (columnSources), and the doors are a gather from one source row,
+// with anti-aliasing from the row's box averages, taken down the source
+// columns the doors show, row by row.
 void PaintRowAcrossX(DoorScene& s, int32_t y, int32_t segmentCount, ByteDivider& divider) {
   const AlongPlace& row = s.along[y];
   if (row.c == kUnwritten) return;
@@ -431,24 +618,40 @@ void PaintRowAcrossX(DoorScene& s, int32_t y, int32_t segmentCount, ByteDivider&
   const bool fill = row.door && s.columnsEdge != row.e;
   if (row.door) s.columnsEdge = row.e;
   const size_t stride = static_cast<size_t>(s.rows.width);
+  const int32_t boxCount = row.boxLo <= row.boxHi ? row.boxHi - row.boxLo + 1 : 0;
   auto penQuarter = [&](int32_t x) { return across[x].rPen == row.e ? row.q : 0; };
   PaintSegments(s, y, segmentCount, isDoor, isCovered, penQuarter, [&](int32_t doorBegin, int32_t doorEnd) {
-    if (!s.aa) {
-      // The door places of a row are those with r >= e: rows of one e share them.
-      if (fill) {
-        for (int32_t x = doorBegin; x < doorEnd; ++x) {
-          s.columnSources[x] = across[x].Source(s.offsets->At(across[x].r, row.e), s.rows.width);
-        }
+    // The door places of a row are those with r >= e: rows of one e share them.
+    int32_t* columnSources = s.columnSources;
+    if (fill) {
+      for (int32_t x = doorBegin; x < doorEnd; ++x) {
+        columnSources[x] = across[x].Source(s.offsets->At(across[x].r, row.e), s.rows.width);
       }
-      const int32_t* columnSources = s.columnSources;
-      for (int32_t x = doorBegin; x < doorEnd; ++x) out[x] = source[columnSources[x]];
-      return;
     }
-    for (int32_t x = doorBegin; x < doorEnd; ++x) {
-      const int32_t sx = across[x].Source(s.offsets->At(across[x].r, row.e), s.rows.width);
-      uint32_t v = BoxAverage(s.rows.inputA + sx, stride, row.source, row.boxLo, row.boxHi, divider);
-      if (across[x].r == row.e && row.q != 0) v = MixQuarters(v, Outside(s, revealed[x]), row.q);
-      out[x] = v;
+    if (s.aa && boxCount >= kLaneCounts) {
+      for (int32_t x = doorBegin; x < doorEnd; ++x) {
+        out[x] = BoxAverage(s.rows.inputA + columnSources[x], stride, row.source, row.boxLo, row.boxHi, divider);
+      }
+    } else {
+      const PixelWord* from = source;
+      if (s.aa && boxCount > 0 && doorBegin < doorEnd) {
+        int32_t c0 = columnSources[doorBegin], c1 = c0;
+        for (int32_t x = doorBegin + 1; x < doorEnd; ++x) {
+          c0 = std::min(c0, columnSources[x]);
+          c1 = std::max(c1, columnSources[x]);
+        }
+        AverageRows(s.averaged, source, s.rows.A(row.boxLo), stride, boxCount, c0, c1, s.dividers[boxCount + 1]);
+        from = s.averaged;
+      }
+      for (int32_t x = doorBegin; x < doorEnd; ++x) out[x] = from[columnSources[x]];
+    }
+    if (s.aa && row.q != 0 && doorBegin < doorEnd) {
+      // Within a segment r steps by one, so only an end of the doors can lie on the edge (r = e).
+      auto cut = [&](int32_t x) {
+        if (across[x].r == row.e) out[x] = MixQuarters(out[x], Outside(s, revealed[x]), row.q);
+      };
+      cut(doorBegin);
+      if (doorEnd - 1 != doorBegin) cut(doorEnd - 1);
     }
   });
 }
@@ -513,24 +716,34 @@ int32_t RenderDoorPanels(t_KrRenderInfo* ri, const DoorPanelFields& fields, Door
   }
   const SourceOffsets offsets(cellAcross, halfAcross, highestEdge, columns);
 
-  Scratch<int32_t> edges = AllocateScratch<int32_t>(static_cast<size_t>(lengthAlong));
-  Scratch<int32_t> sources = AllocateScratch<int32_t>(static_cast<size_t>(lengthAlong));
+  Scratch<DoorColumn> doorColumns = AllocateScratch<DoorColumn>(static_cast<size_t>(lengthAlong));
+  Scratch<DoorBox> boxes = AllocateScratch<DoorBox>(aa && columns ? static_cast<size_t>(lengthAlong) : 1);
   Scratch<int32_t> columnSources = AllocateScratch<int32_t>(static_cast<size_t>(width));
-  if (!edges || !sources || !columnSources) return 1;
+  Scratch<uint32_t> averaged = AllocateScratch<uint32_t>(aa && !columns ? static_cast<size_t>(width) : 1);
+  if (!doorColumns || !boxes || !columnSources || !averaged) return 1;
+  int32_t mostInBox = 0;
   for (int32_t i = 0; i < lengthAlong; ++i) {
-    edges[i] = along[i].e;
-    sources[i] = along[i].source;
+    const AlongPlace& a = along[i];
+    doorColumns[i] = {a.e, a.source};
+    if (!aa) continue;
+    const int32_t n = a.boxLo <= a.boxHi ? a.boxHi - a.boxLo + 1 : 0;
+    if (columns) boxes[i] = n > 0 ? DoorBox{a.e, a.boxLo, n, a.source - a.boxLo} : DoorBox{a.e, a.source, 0, 0};
+    if (a.c != kUnwritten && a.door) mostInBox = std::max(mostInBox, n);
   }
+  LaneDivider dividers[kLaneCounts + 1];
+  for (int32_t d = 2; d <= std::min(mostInBox + 1, kLaneCounts); ++d) dividers[d] = LaneDivider(d);
   DoorScene scene{FrameRows::Of(ri), columns, aa, pen, pw, along.get(), across.get(), &offsets, segments.get(),
-                  lowestEdge, highestEdge, edges.get(), sources.get(), columnSources.get(), INT32_MIN};
+                  lowestEdge, highestEdge, doorColumns.get(), boxes.get(), mostInBox > 0,
+                  std::clamp(2 * turn.radius + 1, 1, kLaneCounts - 1), dividers, columnSources.get(), INT32_MIN,
+                  averaged.get()};
   ByteDivider divider;
   if (columns) {
     const int32_t n = Segments(
         segments.get(), width, true, [&](int32_t x) { return along[x].c != kUnwritten; },
         [&](int32_t x) { return along[x].c; }, [&](int32_t x) { return along[x].e; });
-    Scratch<size_t> rowStarts = AllocateScratch<size_t>(static_cast<size_t>(std::max(highestEdge, 0)) + 1);
-    if (!rowStarts) return 1;
-    for (int32_t y = 0; y < height; ++y) PaintRowAlongX(scene, y, n, rowStarts.get(), divider);
+    Scratch<SourceLine> rowLines = AllocateScratch<SourceLine>(static_cast<size_t>(std::max(highestEdge, 0)) + 1);
+    if (!rowLines) return 1;
+    for (int32_t y = 0; y < height; ++y) PaintRowAlongX(scene, y, n, rowLines.get(), divider);
   } else {
     const int32_t n = Segments(
         segments.get(), width, false, [&](int32_t x) { return across[x].r != kUnwritten; },
