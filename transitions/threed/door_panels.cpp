@@ -192,6 +192,12 @@ class SourceOffsets {
     return byDistance_ && edges_ > 0 && r >= 0 && r <= half_ ? &table_[Index(r, 0)] : nullptr;
   }
 
+  // The offsets of edge e by distance, valid for r = e .. half; null when
+  // they are not kept so.
+  const int32_t* OfEdge(int32_t e) const {
+    return !byDistance_ && e >= 0 && e < edges_ ? &table_[Index(0, e)] : nullptr;
+  }
+
  private:
   size_t Index(int32_t r, int32_t e) const {
     return byDistance_ ? static_cast<size_t>(r) * static_cast<size_t>(edges_) + static_cast<size_t>(e)
@@ -359,21 +365,24 @@ inline __m128i BoxSums(const PixelWord* box, uint32_t middle) {
 
 // BoxAverage down the columns c0 .. c1 at once, into to[c0 .. c1]: the pixel
 // of the row `middle` twice with those of the n rows from `first`
-// (0 < n < kLaneCounts), rows `stride` pixels apart; read row by row.
+// (0 < n < kLaneCounts), rows `stride` pixels apart; read row by row, the
+// even bytes of four pixels summed in one register and the odd in another.
 void AverageRows(PixelWord* to, const PixelWord* middle, const PixelWord* first, size_t stride, int32_t n, int32_t c0,
                  int32_t c1, const LaneDivider& divider) {
-  const __m128i zero = _mm_setzero_si128();
+  const __m128i evenBytes = _mm_set1_epi16(0x00FF);
   int32_t c = c0;
   for (; c + 3 <= c1; c += 4) {
     const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(middle + c));
-    __m128i low = _mm_unpacklo_epi8(v, zero), high = _mm_unpackhi_epi8(v, zero);
+    __m128i even = _mm_and_si128(v, evenBytes), odd = _mm_srli_epi16(v, 8);
     size_t at = static_cast<size_t>(c);
     for (int32_t k = 0; k < n; ++k, at += stride) {
       const __m128i u = _mm_loadu_si128(reinterpret_cast<const __m128i*>(first + at));
-      low = _mm_add_epi16(low, _mm_unpacklo_epi8(u, zero));
-      high = _mm_add_epi16(high, _mm_unpackhi_epi8(u, zero));
+      even = _mm_add_epi16(even, _mm_and_si128(u, evenBytes));
+      odd = _mm_add_epi16(odd, _mm_srli_epi16(u, 8));
     }
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + c), _mm_packus_epi16(divider.Of(low), divider.Of(high)));
+    // Each quotient fits its lane's low byte.
+    const __m128i quotients = _mm_or_si128(divider.Of(even), _mm_slli_epi16(divider.Of(odd), 8));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + c), quotients);
   }
   for (; c <= c1; ++c) {
     __m128i sums = Widened(middle[c]);
@@ -454,6 +463,19 @@ struct DoorBox {
   int32_t e, lo, n, middle;
 };
 
+// A place across as the vertical members' column fill reads it: the source
+// column for a cell offset sr is (width - 1) - max(k -+ sr, 0), sr negated
+// (flip = -1) on the near side: there min(first + sr, width - 1), on the far
+// side min(last - sr, width - 1).
+struct AcrossColumn {
+  int32_t r, k, flip;
+};
+
+// The source columns a door stretch shows, from its first place on.
+struct ColumnRange {
+  int32_t lo, hi;
+};
+
 // A source row a door pixel reads.
 struct SourceLine {
   const PixelWord* pixels;
@@ -477,6 +499,8 @@ struct DoorScene {
   const LaneDivider* dividers;      // anti-aliasing: by count, up to kLaneCounts
   int32_t* columnSources;  // Vertical members: the source column of each door place for the edge `columnsEdge`
   int32_t columnsEdge;
+  const AcrossColumn* acrossColumns;  // Vertical members: across[x] for the fill (null: each column worked out in full)
+  ColumnRange* ranges;                // Vertical members: by the first place of each door stretch
   PixelWord* averaged;     // Vertical members with anti-aliasing: the row's box averages by source column
 };
 
@@ -499,7 +523,11 @@ void PaintSegments(const DoorScene& s, int32_t y, int32_t segmentCount, IsDoor i
     if (!s.aa) {
       FillRun(out + st.penBegin, s.pen, st.penEnd - st.penBegin);
     } else {
-      for (int32_t x = st.penBegin; x < st.penEnd; ++x) out[x] = MixQuarters(s.pen, revealed[x], penQuarter(x));
+      // A quarter of 0 leaves the pen as it is.
+      for (int32_t x = st.penBegin; x < st.penEnd; ++x) {
+        const int32_t q = penQuarter(x);
+        out[x] = q == 0 ? s.pen : MixQuarters(s.pen, revealed[x], q);
+      }
     }
     paintDoors(st.doorBegin, st.doorEnd);
   }
@@ -623,10 +651,27 @@ void PaintRowAcrossX(DoorScene& s, int32_t y, int32_t segmentCount, ByteDivider&
   PaintSegments(s, y, segmentCount, isDoor, isCovered, penQuarter, [&](int32_t doorBegin, int32_t doorEnd) {
     // The door places of a row are those with r >= e: rows of one e share them.
     int32_t* columnSources = s.columnSources;
-    if (fill) {
-      for (int32_t x = doorBegin; x < doorEnd; ++x) {
-        columnSources[x] = across[x].Source(s.offsets->At(across[x].r, row.e), s.rows.width);
+    if (fill && doorBegin < doorEnd) {
+      int32_t lo = INT32_MAX, hi = INT32_MIN;
+      auto keep = [&](int32_t x, int32_t sx) {
+        columnSources[x] = sx;
+        lo = std::min(lo, sx);
+        hi = std::max(hi, sx);
+      };
+      const int32_t* offsets = s.offsets->OfEdge(row.e);
+      if (offsets != nullptr && s.acrossColumns != nullptr) {
+        const int32_t last = s.rows.width - 1;
+        for (int32_t x = doorBegin; x < doorEnd; ++x) {
+          const AcrossColumn& a = s.acrossColumns[x];
+          const int32_t sr = offsets[a.r];
+          keep(x, last - std::max(((sr ^ a.flip) - a.flip) + a.k, 0));
+        }
+      } else {
+        for (int32_t x = doorBegin; x < doorEnd; ++x) {
+          keep(x, across[x].Source(s.offsets->At(across[x].r, row.e), s.rows.width));
+        }
       }
+      s.ranges[doorBegin] = {lo, hi};
     }
     if (s.aa && boxCount >= kLaneCounts) {
       for (int32_t x = doorBegin; x < doorEnd; ++x) {
@@ -635,12 +680,9 @@ void PaintRowAcrossX(DoorScene& s, int32_t y, int32_t segmentCount, ByteDivider&
     } else {
       const PixelWord* from = source;
       if (s.aa && boxCount > 0 && doorBegin < doorEnd) {
-        int32_t c0 = columnSources[doorBegin], c1 = c0;
-        for (int32_t x = doorBegin + 1; x < doorEnd; ++x) {
-          c0 = std::min(c0, columnSources[x]);
-          c1 = std::max(c1, columnSources[x]);
-        }
-        AverageRows(s.averaged, source, s.rows.A(row.boxLo), stride, boxCount, c0, c1, s.dividers[boxCount + 1]);
+        const ColumnRange range = s.ranges[doorBegin];
+        AverageRows(s.averaged, source, s.rows.A(row.boxLo), stride, boxCount, range.lo, range.hi,
+                    s.dividers[boxCount + 1]);
         from = s.averaged;
       }
       for (int32_t x = doorBegin; x < doorEnd; ++x) out[x] = from[columnSources[x]];
@@ -720,7 +762,16 @@ int32_t RenderDoorPanels(t_KrRenderInfo* ri, const DoorPanelFields& fields, Door
   Scratch<DoorBox> boxes = AllocateScratch<DoorBox>(aa && columns ? static_cast<size_t>(lengthAlong) : 1);
   Scratch<int32_t> columnSources = AllocateScratch<int32_t>(static_cast<size_t>(width));
   Scratch<uint32_t> averaged = AllocateScratch<uint32_t>(aa && !columns ? static_cast<size_t>(width) : 1);
-  if (!doorColumns || !boxes || !columnSources || !averaged) return 1;
+  Scratch<ColumnRange> ranges = AllocateScratch<ColumnRange>(static_cast<size_t>(width));
+  // Below 2^30 columns every value of the lean fill fits 32 bits.
+  const bool leanFill = !columns && width < (1 << 30);
+  Scratch<AcrossColumn> acrossColumns = AllocateScratch<AcrossColumn>(leanFill ? static_cast<size_t>(width) : 1);
+  if (!doorColumns || !boxes || !columnSources || !averaged || !ranges || !acrossColumns) return 1;
+  for (int32_t i = 0; leanFill && i < width; ++i) {
+    const AcrossPlace& a = across[i];
+    const int64_t k = int64_t{width} - 1 - (a.far ? a.last : a.first);  // at most width - 1; held above -2^30
+    acrossColumns[i] = {a.r, static_cast<int32_t>(std::max<int64_t>(k, -(int64_t{1} << 30))), a.far ? 0 : -1};
+  }
   int32_t mostInBox = 0;
   for (int32_t i = 0; i < lengthAlong; ++i) {
     const AlongPlace& a = along[i];
@@ -735,7 +786,7 @@ int32_t RenderDoorPanels(t_KrRenderInfo* ri, const DoorPanelFields& fields, Door
   DoorScene scene{FrameRows::Of(ri), columns, aa, pen, pw, along.get(), across.get(), &offsets, segments.get(),
                   lowestEdge, highestEdge, doorColumns.get(), boxes.get(), mostInBox > 0,
                   std::clamp(2 * turn.radius + 1, 1, kLaneCounts - 1), dividers, columnSources.get(), INT32_MIN,
-                  averaged.get()};
+                  leanFill ? acrossColumns.get() : nullptr, ranges.get(), averaged.get()};
   ByteDivider divider;
   if (columns) {
     const int32_t n = Segments(
