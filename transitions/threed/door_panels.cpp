@@ -145,76 +145,202 @@ struct AcrossPlace {
 
 // The cell offset across that a door place at distance r shows, where the
 // slanted edge lies e in: the door's visible height cellSize - 2e shows the
-// whole cell. Worked out once per frame for every e a door has and every
-// r >= e, kept with the offsets of one r side by side (byDistance) or those
-// of one e, as the painter asks for them.
+// whole cell. The vertical members ask for all offsets of one e at a time
+// (OfEdge), worked out by steps while no product (r - e) * cellSize wraps,
+// and kept for every edge up to highestEdge while they take little memory
+// (a few hundred KB: a large block would come fresh from the system every
+// frame); else those of one edge at a time.
 class SourceOffsets {
  public:
-  SourceOffsets(int32_t cellSize, int32_t half, int32_t highestEdge, bool byDistance)
-      : cellSize_(cellSize), half_(half), byDistance_(byDistance) {
-    if (highestEdge < 0) return;
-    const int64_t entries = (int64_t{highestEdge} + 1) * (int64_t{half} + 1);
-    if (entries > (int64_t{1} << 22)) return;  // larger cells compute each offset as it is asked for
-    table_ = AllocateScratch<int32_t>(static_cast<size_t>(entries));
-    if (!table_) return;
-    edges_ = highestEdge + 1;
-    const bool exact = int64_t{half} * cellSize <= INT32_MAX;  // no product (r - e) * cellSize wraps
-    for (int32_t e = 0; e < edges_; ++e) {
-      const int32_t height = cellSize - 2 * e;
-      if (!exact || height <= 0) {
-        for (int32_t r = e; r <= half; ++r) table_[Index(r, e)] = Compute(r, e);
-        continue;
-      }
-      // Stepping r by 1 adds cellSize / height to the quotient.
-      int32_t quotient = 0, remainder = 0;
-      const int32_t step = cellSize / height, stepRemainder = cellSize % height;
-      for (int32_t r = e; r <= half; ++r) {
-        table_[Index(r, e)] = std::min(quotient, cellSize - 1);
-        quotient += step;
-        remainder += stepRemainder;
-        if (remainder >= height) {
-          ++quotient;
-          remainder -= height;
-        }
+  SourceOffsets(int32_t cellSize, int32_t half, int32_t highestEdge)
+      : cellSize_(cellSize), half_(half), exact_(int64_t{half} * cellSize <= INT32_MAX) {
+    const int64_t kept = (int64_t{std::clamp(highestEdge, 0, half)} + 1) * (int64_t{half} + 1);
+    if (kept <= (int64_t{1} << 16)) {
+      rows_ = AllocateScratch<int32_t>(static_cast<size_t>(kept));
+      built_ = AllocateScratch<bool>(static_cast<size_t>(std::clamp(highestEdge, 0, half)) + 1);
+      if (rows_ && built_) {
+        keptEdges_ = std::clamp(highestEdge, 0, half) + 1;
+        std::fill_n(built_.get(), static_cast<size_t>(keptEdges_), false);
       }
     }
+    if (keptEdges_ == 0) rows_ = AllocateScratch<int32_t>(static_cast<size_t>(half) + 1);
   }
 
-  // For a door place: r >= e.
   int32_t At(int32_t r, int32_t e) const {
-    if (e >= 0 && e < edges_ && r <= half_) return table_[Index(r, e)];
-    return Compute(r, e);
-  }
-
-  // The offsets of distance r for e = 0 .. min(r, highest edge), side by
-  // side; null when they are not kept so.
-  const int32_t* OfDistance(int32_t r) const {
-    return byDistance_ && edges_ > 0 && r >= 0 && r <= half_ ? &table_[Index(r, 0)] : nullptr;
-  }
-
-  // The offsets of edge e by distance, valid for r = e .. half; null when
-  // they are not kept so.
-  const int32_t* OfEdge(int32_t e) const {
-    return !byDistance_ && e >= 0 && e < edges_ ? &table_[Index(0, e)] : nullptr;
-  }
-
- private:
-  size_t Index(int32_t r, int32_t e) const {
-    return byDistance_ ? static_cast<size_t>(r) * static_cast<size_t>(edges_) + static_cast<size_t>(e)
-                       : static_cast<size_t>(e) * static_cast<size_t>(half_ + 1) + static_cast<size_t>(r);
-  }
-
-  int32_t Compute(int32_t r, int32_t e) const {
     const int32_t height = WrappingSubtract(cellSize_, WrappingMultiply(2, e));
     // Where the slanted edges meet (height 0) only r = e is a door place: its quotient 0 / 0 is taken as 0.
     const int32_t sr = TruncatingQuotient(WrappingMultiply(WrappingSubtract(r, e), cellSize_), height);
     return std::clamp(sr, 0, cellSize_ - 1);
   }
 
+  // The offsets of edge e by distance, valid for r = e .. half; null when
+  // they cannot be had so.
+  const int32_t* OfEdge(int32_t e) {
+    if (!exact_ || !rows_ || e < 0 || e > half_) return nullptr;
+    int32_t* row = rows_.get();
+    if (e < keptEdges_) {
+      row += static_cast<size_t>(e) * (static_cast<size_t>(half_) + 1);
+      if (built_[static_cast<size_t>(e)]) return row;
+      built_[static_cast<size_t>(e)] = true;
+    } else {
+      if (keptEdges_ > 0) return nullptr;
+      if (e == edge_) return row;
+      edge_ = e;
+    }
+    const int32_t height = cellSize_ - 2 * e;
+    if (height <= 0) {
+      for (int32_t r = e; r <= half_; ++r) row[static_cast<size_t>(r)] = At(r, e);
+      return row;
+    }
+    // Stepping r by 1 adds cellSize / height to the quotient.
+    int32_t quotient = 0, remainder = 0;
+    const int32_t step = cellSize_ / height, stepRemainder = cellSize_ % height;
+    for (int32_t r = e; r <= half_; ++r) {
+      row[static_cast<size_t>(r)] = std::min(quotient, cellSize_ - 1);
+      quotient += step;
+      remainder += stepRemainder;
+      if (remainder >= height) {
+        ++quotient;
+        remainder -= height;
+      }
+    }
+    return row;
+  }
+
+ private:
   int32_t cellSize_, half_;
-  bool byDistance_;
-  int32_t edges_ = 0;
-  Scratch<int32_t> table_;
+  bool exact_;
+  Scratch<int32_t> rows_;  // by edge, then distance; or the one edge edge_
+  Scratch<bool> built_;
+  int32_t keptEdges_ = 0, edge_ = -1;
+};
+
+// Doors and Swinging Door: the source rows of an output row for every edge
+// its doors show (lanes, in ascending e), as the index of their first pixel.
+// They are kept from one output row to the next, whose r mostly differs by
+// one: a step of r adds cellSize / (cellSize - 2e) to the offset
+// sr = (r - e) * cellSize / (cellSize - 2e), a quotient and a remainder per
+// lane, four lanes at a time. Exact where SourceOffsets::At is: no product
+// (r - e) * cellSize wraps, and every pixel index (below twice the frame's)
+// fits 32 bits.
+class RowSources {
+ public:
+  RowSources(const int32_t* edges, int32_t count, int32_t cellSize, int32_t half, int32_t width, int32_t height)
+      : count_(count), cellSize_(cellSize), width_(width), height_(height) {
+    if (int64_t{half} * cellSize > INT32_MAX || 2 * int64_t{width} * height > INT32_MAX) return;
+    const size_t padded = (static_cast<size_t>(count) + 3) & ~size_t{3};
+    for (Scratch<int32_t>* lane : {&edge_, &remainder_, &offset_, &stepRemainder_, &stepOffset_, &visible_,
+                                   &carryAbove_, &starts_}) {
+      *lane = AllocateScratch<int32_t>(padded);
+      if (!*lane) return;
+    }
+    for (size_t i = 0; i < padded; ++i) {
+      const int32_t e = i < static_cast<size_t>(count) ? edges[i] : half + 1;
+      const int32_t visible = cellSize - 2 * e;
+      edge_[i] = e;
+      remainder_[i] = offset_[i] = 0;
+      if (visible > 0) {
+        stepRemainder_[i] = cellSize % visible;
+        stepOffset_[i] = cellSize / visible * width;
+        visible_[i] = visible;
+        carryAbove_[i] = visible - 1;
+      } else {  // only r = e shows this edge: the offset stays 0
+        stepRemainder_[i] = stepOffset_[i] = visible_[i] = 0;
+        carryAbove_[i] = INT32_MAX;
+      }
+    }
+    usable_ = true;
+  }
+
+  bool usable() const { return usable_; }
+
+  // The lanes' source rows for the output row `row` (r >= 0), valid for the lanes with e <= r.
+  const int32_t* Starts(const AcrossPlace& row) {
+    const int32_t r = row.r;
+    if (r == r_ + 1) {
+      Step(true);
+      if (valid_ < count_ && edge_[static_cast<size_t>(valid_)] == r) {  // a lane starts: sr(e, e) = 0
+        remainder_[static_cast<size_t>(valid_)] = offset_[static_cast<size_t>(valid_)] = 0;
+        ++valid_;
+      }
+    } else if (r == r_ - 1) {
+      if (valid_ > 0 && edge_[static_cast<size_t>(valid_) - 1] == r_) --valid_;
+      Step(false);
+    } else if (r != r_) {
+      valid_ = 0;
+      while (valid_ < count_ && edge_[static_cast<size_t>(valid_)] <= r) {
+        const size_t i = static_cast<size_t>(valid_++);
+        if (visible_[i] == 0) {
+          remainder_[i] = offset_[i] = 0;
+          continue;
+        }
+        const int64_t product = int64_t{r - edge_[i]} * cellSize_;
+        remainder_[i] = static_cast<int32_t>(product % visible_[i]);
+        offset_[i] = static_cast<int32_t>(product / visible_[i] * width_);
+      }
+    }
+    r_ = r;
+    // The offset held to the cell's last place, then the row to the frame's.
+    const __m128i most = _mm_set1_epi32((cellSize_ - 1) * width_);
+    const __m128i top = _mm_set1_epi32((height_ - 1) * width_);
+    if (row.first >= height_ - 1) {  // a cell at or past the frame's last row: every source is held to it
+      for (int32_t i = 0; i < valid_; i += 4) Store(starts_, i, top);
+      return starts_.get();
+    }
+    const bool held = row.last > height_ - 1;
+    const __m128i origin = _mm_set1_epi32(static_cast<int32_t>((row.far ? row.last : row.first) * width_));
+    for (int32_t i = 0; i < valid_; i += 4) {
+      __m128i sr = Load(offset_, i);
+      sr = Min(sr, most);
+      __m128i start = row.far ? _mm_sub_epi32(origin, sr) : _mm_add_epi32(origin, sr);
+      if (held) start = Min(start, top);
+      Store(starts_, i, start);
+    }
+    return starts_.get();
+  }
+
+ private:
+  static __m128i Load(const Scratch<int32_t>& lane, int32_t i) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(lane.get() + i));
+  }
+  static void Store(Scratch<int32_t>& lane, int32_t i, __m128i v) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(lane.get() + i), v);
+  }
+  static __m128i Min(__m128i a, __m128i b) {
+    const __m128i above = _mm_cmpgt_epi32(a, b);
+    return _mm_or_si128(_mm_andnot_si128(above, a), _mm_and_si128(above, b));
+  }
+
+  // One step of r up or down for the valid lanes (the lanes past them in
+  // the last four change as well: they start anew when r reaches them).
+  void Step(bool up) {
+    const __m128i row = _mm_set1_epi32(width_), zero = _mm_setzero_si128();
+    for (int32_t i = 0; i < valid_; i += 4) {
+      __m128i remainder = Load(remainder_, i), offset = Load(offset_, i);
+      const __m128i stepRemainder = Load(stepRemainder_, i), stepOffset = Load(stepOffset_, i);
+      const __m128i visible = Load(visible_, i);
+      if (up) {
+        remainder = _mm_add_epi32(remainder, stepRemainder);
+        const __m128i carry = _mm_cmpgt_epi32(remainder, Load(carryAbove_, i));
+        remainder = _mm_sub_epi32(remainder, _mm_and_si128(carry, visible));
+        offset = _mm_add_epi32(offset, _mm_add_epi32(stepOffset, _mm_and_si128(carry, row)));
+      } else {
+        remainder = _mm_sub_epi32(remainder, stepRemainder);
+        const __m128i borrow = _mm_cmpgt_epi32(zero, remainder);
+        remainder = _mm_add_epi32(remainder, _mm_and_si128(borrow, visible));
+        offset = _mm_sub_epi32(offset, _mm_add_epi32(stepOffset, _mm_and_si128(borrow, row)));
+      }
+      Store(remainder_, i, remainder);
+      Store(offset_, i, offset);
+    }
+  }
+
+  int32_t count_, cellSize_, width_, height_;
+  bool usable_ = false;
+  // Per lane: its edge, the quotient's remainder and the offset times the
+  // width at r_, the steps, the visible height and the remainder that carries.
+  Scratch<int32_t> edge_, remainder_, offset_, stepRemainder_, stepOffset_, visible_, carryAbove_, starts_;
+  int32_t r_ = -2, valid_ = 0;  // no r yet: the first row starts its lanes anew
 };
 
 // Each byte (inside * (4 - q) + outside * q) >> 2.
@@ -452,15 +578,15 @@ Stretches Split(const Segment& s, int32_t doors, int32_t covered) {
   return {s.end - doors, s.end, s.end - covered, s.end - doors, s.begin, s.end - covered};
 }
 
-// A door place along as the gathers read it: its edge e and source place
-// along; with anti-aliasing its box instead, n places from lo (n = 0: none)
-// and the source place `middle` places on from lo.
+// A door place along as the gathers read it: the source row of its edge e
+// and its source place along; with anti-aliasing its box instead, n places
+// from lo (n = 0: none) and the source place `middle` places on from lo.
 struct DoorColumn {
-  int32_t e, source;
+  int32_t lane, source;  // the lane of RowSources that holds e
 };
 
 struct DoorBox {
-  int32_t e, lo, n, middle;
+  int32_t lane, lo, n, middle;
 };
 
 // A place across as the vertical members' column fill reads it: the source
@@ -476,11 +602,6 @@ struct ColumnRange {
   int32_t lo, hi;
 };
 
-// A source row a door pixel reads.
-struct SourceLine {
-  const PixelWord* pixels;
-};
-
 struct DoorScene {
   FrameRows rows;  // inputA: the doors' picture D, inputB: the revealed R
   bool columns;    // hinges on the cells' columns: along = x
@@ -489,9 +610,9 @@ struct DoorScene {
   int32_t pw;
   const AlongPlace* along;
   const AcrossPlace* across;
-  const SourceOffsets* offsets;
+  SourceOffsets* offsets;
   Segment* segments;
-  int32_t lowestEdge, highestEdge;  // of the door places (the highest held to the half cell across)
+  RowSources* rowSources;           // Doors, Swinging Door: null where each source is worked out in full
   const DoorColumn* doorColumns;    // along[x].e and along[x].source once more, packed for the gathers
   const DoorBox* boxes;             // anti-aliasing: along[x]'s box
   bool boxed;                       // anti-aliasing: some door place averages a box
@@ -537,11 +658,11 @@ void PaintSegments(const DoorScene& s, int32_t y, int32_t segmentCount, IsDoor i
 // the source row of its edge. Boxes of N places (the unclipped size, 3, 5 or
 // 7; 0: none of these) take the unrolled sums.
 template <int32_t N>
-void GatherBoxes(PixelWord* to, PixelWord* end, const DoorBox* box, const SourceLine* rowLines,
+void GatherBoxes(PixelWord* to, PixelWord* end, const DoorBox* box, const PixelWord* from, const int32_t* starts,
                  const LaneDivider* dividers, uintptr_t ahead, ByteDivider& divider) {
   const LaneDivider common = N != 0 ? dividers[N + 1] : LaneDivider();
   for (; to != end; ++to, ++box) {
-    const PixelWord* line = rowLines[box->e].pixels;
+    const PixelWord* line = from + starts[box->lane];
     const PixelWord* at = line + box->lo;
     __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + ahead));
     const int32_t n = box->n;
@@ -562,10 +683,10 @@ void GatherBoxes(PixelWord* to, PixelWord* end, const DoorBox* box, const Source
 }
 
 // Doors, Swinging Door: an output row is one place across; along runs with
-// x. A door place reads the source row of its edge e: the row's source row
-// for every e up to r is worked out first (rowLines), from the offsets of
-// distance r side by side, so the door's pixels are a gather by two tables.
-void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, SourceLine* rowLines, ByteDivider& divider) {
+// x. A door place reads the source row of its edge e: the row's source rows
+// for every e up to r are worked out first (RowSources), so the door's
+// pixels are a gather by two tables.
+void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, ByteDivider& divider) {
   const AcrossPlace& row = s.across[y];
   if (row.r == kUnwritten) return;
   PixelWord* out = s.rows.Out(y);
@@ -573,28 +694,37 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, SourceL
   const AlongPlace* along = s.along;
   auto isDoor = [&](int32_t x) { return along[x].door && row.r >= along[x].e; };
   auto isCovered = [&](int32_t x) { return isDoor(x) || (along[x].pen && row.rPen >= along[x].e); };
-  const int32_t* offsets = s.offsets->OfDistance(row.r);
-  const bool tabled = offsets != nullptr && s.lowestEdge >= 0;
-  if (tabled) {
-    const int32_t edges = std::min(row.r, s.highestEdge);
-    for (int32_t e = 0; e <= edges; ++e) rowLines[e].pixels = s.rows.A(row.Source(offsets[e], s.rows.height));
-  }
+  const int32_t* starts = s.rowSources != nullptr ? s.rowSources->Starts(row) : nullptr;
+  const PixelWord* from = s.rows.inputA;
   auto penQuarter = [&](int32_t x) { return row.rPen == along[x].e ? along[x].q : 0; };
   PaintSegments(s, y, segmentCount, isDoor, isCovered, penQuarter, [&](int32_t doorBegin, int32_t doorEnd) {
-    if (tabled && (!s.aa || !s.boxed)) {
-      // The reads jump between as many source rows as the row has edges, too many
-      // streams for the processor to foresee; the rows two further on are asked for ahead.
-      const uintptr_t ahead = 8 * static_cast<uintptr_t>(s.rows.width);
+    if (starts == nullptr) {  // sources worked out in full (huge frames, or an edge below 0 where 32-bit products wrapped)
+      for (int32_t x = doorBegin; x < doorEnd; ++x) {
+        const AlongPlace& p = along[x];
+        const PixelWord* source = s.rows.A(row.Source(s.offsets->At(row.r, p.e), s.rows.height));
+        uint32_t v = s.aa ? BoxAverage(source, 1, p.source, p.boxLo, p.boxHi, divider) : source[p.source];
+        if (s.aa && row.r == p.e && p.q != 0) v = MixQuarters(v, Outside(s, revealed[x]), p.q);
+        out[x] = v;
+      }
+      return;
+    }
+    // The reads jump between as many source rows as the row has edges, too many
+    // streams for the processor to foresee; the rows two further on are asked for ahead.
+    const uintptr_t ahead = 8 * static_cast<uintptr_t>(s.rows.width);
+    if (!s.aa || !s.boxed) {
+      // Locals: a pixel store may alias anything that lives in memory.
+      const PixelWord* const source = from;
+      const int32_t* const rows = starts;
       const DoorColumn* column = s.doorColumns + doorBegin;
       for (PixelWord *to = out + doorBegin, *end = out + doorEnd; to != end; ++to, ++column) {
-        const PixelWord* at = rowLines[column->e].pixels + column->source;
+        const PixelWord* at = source + (rows[column->lane] + column->source);
         __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + ahead));
         *to = *at;
       }
-    } else if (tabled) {
-      const uintptr_t ahead = 8 * static_cast<uintptr_t>(s.rows.width);
+      if (!s.aa) return;
+    } else {
       auto gather = [&](auto unrolled) {
-        GatherBoxes<decltype(unrolled)::value>(out + doorBegin, out + doorEnd, s.boxes + doorBegin, rowLines,
+        GatherBoxes<decltype(unrolled)::value>(out + doorBegin, out + doorEnd, s.boxes + doorBegin, from, starts,
                                                s.dividers, ahead, divider);
       };
       switch (s.commonBox) {
@@ -604,28 +734,35 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, SourceL
         default: gather(std::integral_constant<int32_t, 0>()); break;
       }
     }
-    if (tabled) {
-      if (!s.aa) return;
-      // The cut edge (r = e): e does not fall from a segment's door end on, and
-      // no door place has e > r, so the places on the edge close the stretch.
-      auto onEdge = [&](int32_t x) { return s.doorColumns[x].e == row.r; };
-      auto cut = [&](int32_t x) {
-        if (along[x].q != 0) out[x] = MixQuarters(out[x], Outside(s, revealed[x]), along[x].q);
-      };
-      int32_t x = doorEnd - 1;
-      for (; x >= doorBegin && onEdge(x); --x) cut(x);
-      for (int32_t z = doorBegin; z <= x && onEdge(z); ++z) cut(z);
-      return;
-    }
-    // Offsets not kept (huge cells, or an edge below 0 where 32-bit products wrapped).
-    for (int32_t x = doorBegin; x < doorEnd; ++x) {
-      const AlongPlace& p = along[x];
-      const PixelWord* source = s.rows.A(row.Source(s.offsets->At(row.r, p.e), s.rows.height));
-      uint32_t v = s.aa ? BoxAverage(source, 1, p.source, p.boxLo, p.boxHi, divider) : source[p.source];
-      if (s.aa && row.r == p.e && p.q != 0) v = MixQuarters(v, Outside(s, revealed[x]), p.q);
-      out[x] = v;
-    }
+    // The cut edge (r = e): e does not fall from a segment's door end on, and
+    // no door place has e > r, so the places on the edge close the stretch.
+    auto onEdge = [&](int32_t x) { return along[x].e == row.r; };
+    auto cut = [&](int32_t x) {
+      if (along[x].q != 0) out[x] = MixQuarters(out[x], Outside(s, revealed[x]), along[x].q);
+    };
+    int32_t x = doorEnd - 1;
+    for (; x >= doorBegin && onEdge(x); --x) cut(x);
+    for (int32_t z = doorBegin; z <= x && onEdge(z); ++z) cut(z);
   });
+}
+
+// The source columns of the door places [begin, end) for the offsets of one
+// edge by distance, and (kRange) the columns they span.
+template <bool kRange>
+ColumnRange FillColumns(int32_t* columnSources, const AcrossColumn* acrossColumns, const int32_t* offsets,
+                        int32_t begin, int32_t end, int32_t lastColumn) {
+  int32_t lo = INT32_MAX, hi = INT32_MIN;
+  for (int32_t x = begin; x < end; ++x) {
+    const AcrossColumn a = acrossColumns[x];
+    const int32_t sr = offsets[a.r];
+    const int32_t sx = lastColumn - std::max(((sr ^ a.flip) - a.flip) + a.k, 0);
+    columnSources[x] = sx;
+    if constexpr (kRange) {
+      lo = std::min(lo, sx);
+      hi = std::max(hi, sx);
+    }
+  }
+  return {lo, hi};
 }
 
 // Vertical Doors, Vertical Swinging Door: an output row is one place along.
@@ -652,26 +789,22 @@ void PaintRowAcrossX(DoorScene& s, int32_t y, int32_t segmentCount, ByteDivider&
     // The door places of a row are those with r >= e: rows of one e share them.
     int32_t* columnSources = s.columnSources;
     if (fill && doorBegin < doorEnd) {
-      int32_t lo = INT32_MAX, hi = INT32_MIN;
-      auto keep = [&](int32_t x, int32_t sx) {
-        columnSources[x] = sx;
-        lo = std::min(lo, sx);
-        hi = std::max(hi, sx);
-      };
       const int32_t* offsets = s.offsets->OfEdge(row.e);
       if (offsets != nullptr && s.acrossColumns != nullptr) {
-        const int32_t last = s.rows.width - 1;
-        for (int32_t x = doorBegin; x < doorEnd; ++x) {
-          const AcrossColumn& a = s.acrossColumns[x];
-          const int32_t sr = offsets[a.r];
-          keep(x, last - std::max(((sr ^ a.flip) - a.flip) + a.k, 0));
-        }
+        s.ranges[doorBegin] = s.aa ? FillColumns<true>(columnSources, s.acrossColumns, offsets, doorBegin, doorEnd,
+                                                       s.rows.width - 1)
+                                   : FillColumns<false>(columnSources, s.acrossColumns, offsets, doorBegin, doorEnd,
+                                                        s.rows.width - 1);
       } else {
+        int32_t lo = INT32_MAX, hi = INT32_MIN;
         for (int32_t x = doorBegin; x < doorEnd; ++x) {
-          keep(x, across[x].Source(s.offsets->At(across[x].r, row.e), s.rows.width));
+          const int32_t sx = across[x].Source(s.offsets->At(across[x].r, row.e), s.rows.width);
+          columnSources[x] = sx;
+          lo = std::min(lo, sx);
+          hi = std::max(hi, sx);
         }
+        s.ranges[doorBegin] = {lo, hi};
       }
-      s.ranges[doorBegin] = {lo, hi};
     }
     if (s.aa && boxCount >= kLaneCounts) {
       for (int32_t x = doorBegin; x < doorEnd; ++x) {
@@ -685,7 +818,8 @@ void PaintRowAcrossX(DoorScene& s, int32_t y, int32_t segmentCount, ByteDivider&
                     s.dividers[boxCount + 1]);
         from = s.averaged;
       }
-      for (int32_t x = doorBegin; x < doorEnd; ++x) out[x] = from[columnSources[x]];
+      PixelWord* const to = out;  // a local: a pixel store may alias anything that lives in memory
+      for (int32_t x = doorBegin; x < doorEnd; ++x) to[x] = from[columnSources[x]];
     }
     if (s.aa && row.q != 0 && doorBegin < doorEnd) {
       // Within a segment r steps by one, so only an end of the doors can lie on the edge (r = e).
@@ -745,18 +879,32 @@ int32_t RenderDoorPanels(t_KrRenderInfo* ri, const DoorPanelFields& fields, Door
            hingeFar);
   PlayAxis(acrossWrites.get(), lengthAcross, cellAcross, cellsAcross,
            twoDoors ? Placing::Mirrored : Placing::MirroredClamped, false);
-  int32_t lowestEdge = 0, highestEdge = -1;
+  // The edges the doors show (a door place's r lies between e and the half cell), each given a lane of RowSources.
+  Scratch<int32_t> laneOf = AllocateScratch<int32_t>(static_cast<size_t>(halfAcross) + 1);
+  if (!laneOf) return 1;
+  std::fill_n(laneOf.get(), static_cast<size_t>(halfAcross) + 1, -1);
+  int32_t lowestEdge = 0;
   for (int32_t i = 0; i < lengthAlong; ++i) {
     along[i] = Along(alongWrites[i], turn, lengthAlong, cellAlong, pw, aa);
     if (along[i].c == kUnwritten || !along[i].door) continue;
     lowestEdge = std::min(lowestEdge, along[i].e);
-    highestEdge = std::max(highestEdge, std::min(along[i].e, halfAcross));
+    if (along[i].e >= 0 && along[i].e <= halfAcross) laneOf[static_cast<size_t>(along[i].e)] = 0;
+  }
+  Scratch<int32_t> edges = AllocateScratch<int32_t>(static_cast<size_t>(halfAcross) + 1);
+  if (!edges) return 1;
+  int32_t lanes = 0;
+  for (int32_t e = 0; e <= halfAcross; ++e) {
+    if (laneOf[static_cast<size_t>(e)] < 0) continue;
+    laneOf[static_cast<size_t>(e)] = lanes;
+    edges[static_cast<size_t>(lanes++)] = e;
   }
   for (int32_t i = 0; i < lengthAcross; ++i) {
     const AxisPlace& a = acrossWrites[i];
     across[i] = {a.distance, WrappingAdd(a.distance, turn.ph), a.far, a.first, a.last};
   }
-  const SourceOffsets offsets(cellAcross, halfAcross, highestEdge, columns);
+  SourceOffsets offsets(cellAcross, halfAcross, lanes > 0 ? edges[static_cast<size_t>(lanes) - 1] : 0);
+  RowSources rowSources(edges.get(), lanes, cellAcross, halfAcross, width, height);
+  const bool laned = columns && lowestEdge >= 0 && rowSources.usable();
 
   Scratch<DoorColumn> doorColumns = AllocateScratch<DoorColumn>(static_cast<size_t>(lengthAlong));
   Scratch<DoorBox> boxes = AllocateScratch<DoorBox>(aa && columns ? static_cast<size_t>(lengthAlong) : 1);
@@ -775,16 +923,18 @@ int32_t RenderDoorPanels(t_KrRenderInfo* ri, const DoorPanelFields& fields, Door
   int32_t mostInBox = 0;
   for (int32_t i = 0; i < lengthAlong; ++i) {
     const AlongPlace& a = along[i];
-    doorColumns[i] = {a.e, a.source};
+    // Places that never show a door keep lane 0, unread.
+    const int32_t lane = a.e >= 0 && a.e <= halfAcross ? std::max(laneOf[static_cast<size_t>(a.e)], 0) : 0;
+    doorColumns[i] = {lane, a.source};
     if (!aa) continue;
     const int32_t n = a.boxLo <= a.boxHi ? a.boxHi - a.boxLo + 1 : 0;
-    if (columns) boxes[i] = n > 0 ? DoorBox{a.e, a.boxLo, n, a.source - a.boxLo} : DoorBox{a.e, a.source, 0, 0};
+    if (columns) boxes[i] = n > 0 ? DoorBox{lane, a.boxLo, n, a.source - a.boxLo} : DoorBox{lane, a.source, 0, 0};
     if (a.c != kUnwritten && a.door) mostInBox = std::max(mostInBox, n);
   }
   LaneDivider dividers[kLaneCounts + 1];
   for (int32_t d = 2; d <= std::min(mostInBox + 1, kLaneCounts); ++d) dividers[d] = LaneDivider(d);
   DoorScene scene{FrameRows::Of(ri), columns, aa, pen, pw, along.get(), across.get(), &offsets, segments.get(),
-                  lowestEdge, highestEdge, doorColumns.get(), boxes.get(), mostInBox > 0,
+                  laned ? &rowSources : nullptr, doorColumns.get(), boxes.get(), mostInBox > 0,
                   std::clamp(2 * turn.radius + 1, 1, kLaneCounts - 1), dividers, columnSources.get(), INT32_MIN,
                   leanFill ? acrossColumns.get() : nullptr, ranges.get(), averaged.get()};
   ByteDivider divider;
@@ -792,9 +942,7 @@ int32_t RenderDoorPanels(t_KrRenderInfo* ri, const DoorPanelFields& fields, Door
     const int32_t n = Segments(
         segments.get(), width, true, [&](int32_t x) { return along[x].c != kUnwritten; },
         [&](int32_t x) { return along[x].c; }, [&](int32_t x) { return along[x].e; });
-    Scratch<SourceLine> rowLines = AllocateScratch<SourceLine>(static_cast<size_t>(std::max(highestEdge, 0)) + 1);
-    if (!rowLines) return 1;
-    for (int32_t y = 0; y < height; ++y) PaintRowAlongX(scene, y, n, rowLines.get(), divider);
+    for (int32_t y = 0; y < height; ++y) PaintRowAlongX(scene, y, n, divider);
   } else {
     const int32_t n = Segments(
         segments.get(), width, false, [&](int32_t x) { return across[x].r != kUnwritten; },
