@@ -589,6 +589,11 @@ struct DoorBox {
   int32_t lane, lo, n, middle;
 };
 
+// Places along that read one lane, up to `end`.
+struct LaneRun {
+  int32_t end, lane;
+};
+
 // A place across as the vertical members' column fill reads it: the source
 // column for a cell offset sr is (width - 1) - max(k -+ sr, 0), sr negated
 // (flip = -1) on the near side: there min(first + sr, width - 1), on the far
@@ -614,6 +619,10 @@ struct DoorScene {
   Segment* segments;
   RowSources* rowSources;           // Doors, Swinging Door: null where each source is worked out in full
   const DoorColumn* doorColumns;    // along[x].e and along[x].source once more, packed for the gathers
+  const int32_t* sources;           // along[x].source
+  const LaneRun* runs;              // the places along in runs of one lane
+  const int32_t* runOf;             // the run of each place along
+  bool byRuns;                      // the door places' runs are long enough to gather run by run
   const DoorBox* boxes;             // anti-aliasing: along[x]'s box
   bool boxed;                       // anti-aliasing: some door place averages a box
   int32_t commonBox;                // anti-aliasing: the box size of places not clipped by a cell's edge
@@ -711,7 +720,7 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, ByteDiv
     // The reads jump between as many source rows as the row has edges, too many
     // streams for the processor to foresee; the rows two further on are asked for ahead.
     const uintptr_t ahead = 8 * static_cast<uintptr_t>(s.rows.width);
-    if (!s.aa || !s.boxed) {
+    if ((!s.aa || !s.boxed) && !s.byRuns) {
       // Locals: a pixel store may alias anything that lives in memory.
       const PixelWord* const source = from;
       const int32_t* const rows = starts;
@@ -720,6 +729,19 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, ByteDiv
         const PixelWord* at = source + (rows[column->lane] + column->source);
         __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + ahead));
         *to = *at;
+      }
+      if (!s.aa) return;
+    } else if (!s.aa || !s.boxed) {
+      // Run by run of one source row: the first and the last pixel asked for ahead.
+      PixelWord* const to = out;
+      const int32_t* const sources = s.sources;
+      const LaneRun* run = s.runs + s.runOf[doorBegin];
+      for (int32_t x = doorBegin; x < doorEnd; ++run) {
+        const int32_t stop = std::min(run->end, doorEnd);
+        const PixelWord* line = from + starts[run->lane];
+        __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(line + sources[x]) + ahead));
+        __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(line + sources[stop - 1]) + ahead));
+        for (; x < stop; ++x) to[x] = line[sources[x]];
       }
       if (!s.aa) return;
     } else {
@@ -931,10 +953,27 @@ int32_t RenderDoorPanels(t_KrRenderInfo* ri, const DoorPanelFields& fields, Door
     if (columns) boxes[i] = n > 0 ? DoorBox{lane, a.boxLo, n, a.source - a.boxLo} : DoorBox{lane, a.source, 0, 0};
     if (a.c != kUnwritten && a.door) mostInBox = std::max(mostInBox, n);
   }
+  Scratch<int32_t> sources = AllocateScratch<int32_t>(static_cast<size_t>(lengthAlong));
+  Scratch<LaneRun> runs = AllocateScratch<LaneRun>(static_cast<size_t>(lengthAlong));
+  Scratch<int32_t> runOf = AllocateScratch<int32_t>(static_cast<size_t>(lengthAlong));
+  if (!sources || !runs || !runOf) return 1;
+  int32_t runCount = 0, doorPlaces = 0, doorRuns = 0;
+  for (int32_t i = 0; i < lengthAlong; ++i) {
+    sources[i] = along[i].source;
+    const bool door = along[i].c != kUnwritten && along[i].door;
+    if (i == 0 || doorColumns[i].lane != doorColumns[i - 1].lane) {
+      runs[runCount++] = {i, doorColumns[i].lane};
+      doorRuns += door;
+    }
+    runs[runCount - 1].end = i + 1;
+    runOf[i] = runCount - 1;
+    doorPlaces += door;
+  }
   LaneDivider dividers[kLaneCounts + 1];
   for (int32_t d = 2; d <= std::min(mostInBox + 1, kLaneCounts); ++d) dividers[d] = LaneDivider(d);
   DoorScene scene{FrameRows::Of(ri), columns, aa, pen, pw, along.get(), across.get(), &offsets, segments.get(),
-                  laned ? &rowSources : nullptr, doorColumns.get(), boxes.get(), mostInBox > 0,
+                  laned ? &rowSources : nullptr, doorColumns.get(), sources.get(), runs.get(), runOf.get(),
+                  doorPlaces >= 4 * int64_t{doorRuns}, boxes.get(), mostInBox > 0,
                   std::clamp(2 * turn.radius + 1, 1, kLaneCounts - 1), dividers, columnSources.get(), INT32_MIN,
                   leanFill ? acrossColumns.get() : nullptr, ranges.get(), averaged.get()};
   ByteDivider divider;
