@@ -468,9 +468,10 @@ inline uint32_t BoxMean(const PixelWord* box, int32_t n, uint32_t middle, const 
   return PackedPixel(divider.Of(sums));
 }
 
-// The box sums of BoxMean for a box of N = 3, 5 or 7 pixels, unrolled.
+// The box sums of BoxMean for a box of N = 3, 5 or 7 pixels, unrolled and
+// left in two halves: the sums are the low four lanes and the high four added.
 template <int32_t N>
-inline __m128i BoxSums(const PixelWord* box, uint32_t middle) {
+inline __m128i BoxHalves(const PixelWord* box, uint32_t middle) {
   static_assert(N == 3 || N == 5 || N == 7);
   const __m128i zero = _mm_setzero_si128();
   // The last pixel and the middle side by side, then the rest two or four at a time.
@@ -486,7 +487,7 @@ inline __m128i BoxSums(const PixelWord* box, uint32_t middle) {
       pairs = _mm_add_epi16(pairs, _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(box + 4)), zero));
     }
   }
-  return _mm_add_epi16(pairs, _mm_srli_si128(pairs, 8));
+  return pairs;
 }
 
 // BoxAverage down the columns c0 .. c1 at once, into to[c0 .. c1]: the pixel
@@ -626,6 +627,7 @@ struct DoorScene {
   const DoorBox* boxes;             // anti-aliasing: along[x]'s box
   bool boxed;                       // anti-aliasing: some door place averages a box
   int32_t commonBox;                // anti-aliasing: the box size of places not clipped by a cell's edge
+  const int32_t* unclippedUntil;    // anti-aliasing: where the run of such boxes from a place ends (itself: none)
   const LaneDivider* dividers;      // anti-aliasing: by count, up to kLaneCounts
   int32_t* columnSources;  // Vertical members: the source column of each door place for the edge `columnsEdge`
   int32_t columnsEdge;
@@ -663,31 +665,58 @@ void PaintSegments(const DoorScene& s, int32_t y, int32_t segmentCount, IsDoor i
   }
 }
 
-// The anti-aliased doors of a stretch: each pixel the BoxAverage of its box in
-// the source row of its edge. Boxes of N places (the unclipped size, 3, 5 or
-// 7; 0: none of these) take the unrolled sums.
+// The BoxAverage of a door place's box of any size in the source row `line`.
+inline uint32_t AnyBox(const PixelWord* line, const DoorBox& box, const LaneDivider* dividers, ByteDivider& divider) {
+  const PixelWord* at = line + box.lo;
+  if (box.n == 0) return at[box.middle];
+  if (box.n < kLaneCounts) return BoxMean(at, box.n, at[box.middle], dividers[box.n + 1]);
+  return BoxAverage(line, 1, box.lo + box.middle, box.lo, box.lo + box.n - 1, divider);
+}
+
+// The anti-aliased doors [begin, end) of a row: each pixel the BoxAverage of
+// its box in the source row of its edge. Runs of boxes of the unclipped size
+// N (3, 5 or 7; 0: none of these), up to unclippedUntil[x], take the
+// unrolled sums two pixels at a time.
 template <int32_t N>
-void GatherBoxes(PixelWord* to, PixelWord* end, const DoorBox* box, const PixelWord* from, const int32_t* starts,
-                 const LaneDivider* dividers, uintptr_t ahead, ByteDivider& divider) {
-  const LaneDivider common = N != 0 ? dividers[N + 1] : LaneDivider();
-  for (; to != end; ++to, ++box) {
-    const PixelWord* line = from + starts[box->lane];
-    const PixelWord* at = line + box->lo;
+void GatherBoxes(PixelWord* to, int32_t begin, int32_t end, const DoorBox* boxes, const int32_t* unclippedUntil,
+                 const PixelWord* from, const int32_t* starts, const LaneDivider* dividers, uintptr_t ahead,
+                 ByteDivider& divider) {
+  auto prefetch = [ahead](const PixelWord* at) {
     __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + ahead));
-    const int32_t n = box->n;
-    if constexpr (N != 0) {
-      if (n == N) {
-        *to = PackedPixel(common.Of(BoxSums<N>(at, at[box->middle])));
+  };
+  int32_t x = begin;
+  if constexpr (N != 0) {
+    const LaneDivider common = dividers[N + 1];
+    while (x < end) {
+      const int32_t stop = std::min(unclippedUntil[x], end);
+      if (stop <= x) {
+        const PixelWord* line = from + starts[boxes[x].lane];
+        prefetch(line + boxes[x].lo);
+        to[x] = AnyBox(line, boxes[x], dividers, divider);
+        ++x;
         continue;
       }
+      for (; x + 1 < stop; x += 2) {
+        const DoorBox b0 = boxes[x], b1 = boxes[x + 1];
+        const PixelWord* at0 = from + (starts[b0.lane] + b0.lo);
+        const PixelWord* at1 = from + (starts[b1.lane] + b1.lo);
+        prefetch(at0);
+        const __m128i h0 = BoxHalves<N>(at0, at0[b0.middle]), h1 = BoxHalves<N>(at1, at1[b1.middle]);
+        const __m128i q = common.Of(_mm_add_epi16(_mm_unpacklo_epi64(h0, h1), _mm_unpackhi_epi64(h0, h1)));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to + x), _mm_packus_epi16(q, q));
+      }
+      if (x < stop) {
+        const PixelWord* at = from + (starts[boxes[x].lane] + boxes[x].lo);
+        const __m128i h = BoxHalves<N>(at, at[boxes[x].middle]);
+        to[x] = PackedPixel(common.Of(_mm_add_epi16(h, _mm_srli_si128(h, 8))));
+        ++x;
+      }
     }
-    if (n == 0) {
-      *to = at[box->middle];
-    } else if (n < kLaneCounts) {
-      *to = BoxMean(at, n, at[box->middle], dividers[n + 1]);
-    } else {
-      *to = BoxAverage(line, 1, box->lo + box->middle, box->lo, box->lo + n - 1, divider);
-    }
+  }
+  for (; x < end; ++x) {
+    const PixelWord* line = from + starts[boxes[x].lane];
+    prefetch(line + boxes[x].lo);
+    to[x] = AnyBox(line, boxes[x], dividers, divider);
   }
 }
 
@@ -746,7 +775,7 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, ByteDiv
       if (!s.aa) return;
     } else {
       auto gather = [&](auto unrolled) {
-        GatherBoxes<decltype(unrolled)::value>(out + doorBegin, out + doorEnd, s.boxes + doorBegin, from, starts,
+        GatherBoxes<decltype(unrolled)::value>(out, doorBegin, doorEnd, s.boxes, s.unclippedUntil, from, starts,
                                                s.dividers, ahead, divider);
       };
       switch (s.commonBox) {
@@ -969,12 +998,19 @@ int32_t RenderDoorPanels(t_KrRenderInfo* ri, const DoorPanelFields& fields, Door
     runOf[i] = runCount - 1;
     doorPlaces += door;
   }
+  const int32_t commonBox = std::clamp(2 * turn.radius + 1, 1, kLaneCounts - 1);
+  Scratch<int32_t> unclippedUntil = AllocateScratch<int32_t>(aa && columns ? static_cast<size_t>(lengthAlong) : 1);
+  if (!unclippedUntil) return 1;
+  for (int32_t i = lengthAlong - 1; aa && columns && i >= 0; --i) {
+    const bool unclipped = boxes[i].n == commonBox;
+    unclippedUntil[i] = !unclipped ? i : i + 1 < lengthAlong && boxes[i + 1].n == commonBox ? unclippedUntil[i + 1] : i + 1;
+  }
   LaneDivider dividers[kLaneCounts + 1];
   for (int32_t d = 2; d <= std::min(mostInBox + 1, kLaneCounts); ++d) dividers[d] = LaneDivider(d);
   DoorScene scene{FrameRows::Of(ri), columns, aa, pen, pw, along.get(), across.get(), &offsets, segments.get(),
                   laned ? &rowSources : nullptr, doorColumns.get(), sources.get(), runs.get(), runOf.get(),
                   doorPlaces >= 4 * int64_t{doorRuns}, boxes.get(), mostInBox > 0,
-                  std::clamp(2 * turn.radius + 1, 1, kLaneCounts - 1), dividers, columnSources.get(), INT32_MIN,
+                  commonBox, unclippedUntil.get(), dividers, columnSources.get(), INT32_MIN,
                   leanFill ? acrossColumns.get() : nullptr, ranges.get(), averaged.get()};
   ByteDivider divider;
   if (columns) {
