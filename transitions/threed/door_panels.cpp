@@ -610,30 +610,33 @@ struct ColumnRange {
 
 struct DoorScene {
   FrameRows rows;  // inputA: the doors' picture D, inputB: the revealed R
-  bool columns;    // hinges on the cells' columns: along = x
-  bool aa;
-  uint32_t pen;
-  int32_t pw;
-  const AlongPlace* along;
-  const AcrossPlace* across;
-  SourceOffsets* offsets;
-  Segment* segments;
-  RowSources* rowSources;           // Doors, Swinging Door: null where each source is worked out in full
-  const DoorColumn* doorColumns;    // along[x].e and along[x].source once more, packed for the gathers
-  const int32_t* sources;           // along[x].source
-  const LaneRun* runs;              // the places along in runs of one lane
-  const int32_t* runOf;             // the run of each place along
-  bool byRuns;                      // the door places' runs are long enough to gather run by run
-  const DoorBox* boxes;             // anti-aliasing: along[x]'s box
-  bool boxed;                       // anti-aliasing: some door place averages a box
-  int32_t commonBox;                // anti-aliasing: the box size of places not clipped by a cell's edge
-  const int32_t* unclippedUntil;    // anti-aliasing: where the run of such boxes from a place ends (itself: none)
-  const LaneDivider* dividers;      // anti-aliasing: by count, up to kLaneCounts
-  int32_t* columnSources;  // Vertical members: the source column of each door place for the edge `columnsEdge`
-  int32_t columnsEdge;
-  const AcrossColumn* acrossColumns;  // Vertical members: across[x] for the fill (null: each column worked out in full)
-  ColumnRange* ranges;                // Vertical members: by the first place of each door stretch
-  PixelWord* averaged;     // Vertical members with anti-aliasing: the row's box averages by source column
+  bool aa = false;
+  uint32_t pen = 0;
+  int32_t pw = 0;
+  const AlongPlace* along = nullptr;
+  const AcrossPlace* across = nullptr;
+  SourceOffsets* offsets = nullptr;
+  Segment* segments = nullptr;
+  const LaneDivider* dividers = nullptr;  // anti-aliasing: by count, up to kLaneCounts
+
+  // Doors, Swinging Door.
+  RowSources* rowSources = nullptr;        // null where each source is worked out in full
+  const DoorColumn* doorColumns = nullptr;  // along[x]'s lane and source, packed for the gathers
+  const int32_t* sources = nullptr;         // along[x].source
+  const LaneRun* runs = nullptr;            // the places along in runs of one lane
+  const int32_t* runOf = nullptr;           // the run of each place along
+  bool byRuns = false;                      // the door places' runs are long enough to gather run by run
+  const DoorBox* boxes = nullptr;           // anti-aliasing: along[x]'s box
+  bool boxed = false;                       // anti-aliasing: some door place averages a box
+  int32_t commonBox = 0;                    // anti-aliasing: the box size of places no cell edge clips
+  const int32_t* unclippedUntil = nullptr;  // anti-aliasing: where the run of such boxes from a place ends (itself: none)
+
+  // Vertical Doors, Vertical Swinging Door.
+  int32_t* columnSources = nullptr;          // the source column of each door place for the edge `columnsEdge`
+  int32_t columnsEdge = INT32_MIN;
+  const AcrossColumn* acrossColumns = nullptr;  // across[x] for the fill (null: each column worked out in full)
+  ColumnRange* ranges = nullptr;                // by the first place of each door stretch
+  PixelWord* averaged = nullptr;                // anti-aliasing: the row's box averages by source column
 };
 
 // The outside a door's cut edge is mixed with: the pen, or B where it is drawn.
@@ -883,6 +886,70 @@ void PaintRowAcrossX(DoorScene& s, int32_t y, int32_t segmentCount, ByteDivider&
   });
 }
 
+// Doors, Swinging Door: the per-place tables the rows' gathers read.
+struct AlongTables {
+  Scratch<DoorColumn> columns;
+  Scratch<int32_t> sources;
+  Scratch<LaneRun> runs;
+  Scratch<int32_t> runOf;
+  bool byRuns = false;
+  Scratch<DoorBox> boxes;  // anti-aliasing
+  int32_t commonBox = 0;
+  Scratch<int32_t> unclippedUntil;
+  bool complete = false;  // every table could be had
+
+  static AlongTables Of(const AlongPlace* along, int32_t length, const int32_t* laneOf, int32_t halfAcross, bool aa,
+                        int32_t commonBox) {
+    AlongTables t;
+    const size_t places = static_cast<size_t>(length), boxed = aa ? places : 1;
+    t.columns = AllocateScratch<DoorColumn>(places);
+    t.sources = AllocateScratch<int32_t>(places);
+    t.runs = AllocateScratch<LaneRun>(places);
+    t.runOf = AllocateScratch<int32_t>(places);
+    t.boxes = AllocateScratch<DoorBox>(boxed);
+    t.unclippedUntil = AllocateScratch<int32_t>(boxed);
+    if (!t.columns || !t.sources || !t.runs || !t.runOf || !t.boxes || !t.unclippedUntil) return t;
+    t.commonBox = commonBox;
+    int32_t runCount = 0, doorPlaces = 0, doorRuns = 0;
+    for (int32_t i = 0; i < length; ++i) {
+      const AlongPlace& a = along[i];
+      // Places that never show a door keep lane 0, unread.
+      const int32_t lane = a.e >= 0 && a.e <= halfAcross ? std::max(laneOf[static_cast<size_t>(a.e)], 0) : 0;
+      t.columns[i] = {lane, a.source};
+      t.sources[i] = a.source;
+      const bool door = a.c != kUnwritten && a.door;
+      if (i == 0 || lane != t.columns[i - 1].lane) {
+        t.runs[runCount++] = {i, lane};
+        doorRuns += door;
+      }
+      t.runs[runCount - 1].end = i + 1;
+      t.runOf[i] = runCount - 1;
+      doorPlaces += door;
+      if (!aa) continue;
+      const int32_t n = a.boxLo <= a.boxHi ? a.boxHi - a.boxLo + 1 : 0;
+      t.boxes[i] = n > 0 ? DoorBox{lane, a.boxLo, n, a.source - a.boxLo} : DoorBox{lane, a.source, 0, 0};
+    }
+    t.byRuns = doorPlaces >= 4 * int64_t{doorRuns};
+    for (int32_t i = length - 1; aa && i >= 0; --i) {
+      const bool unclipped = t.boxes[i].n == commonBox, next = i + 1 < length && t.boxes[i + 1].n == commonBox;
+      t.unclippedUntil[i] = !unclipped ? i : next ? t.unclippedUntil[i + 1] : i + 1;
+    }
+    t.complete = true;
+    return t;
+  }
+
+  void Into(DoorScene& s) const {
+    s.doorColumns = columns.get();
+    s.sources = sources.get();
+    s.runs = runs.get();
+    s.runOf = runOf.get();
+    s.byRuns = byRuns;
+    s.boxes = boxes.get();
+    s.commonBox = commonBox;
+    s.unclippedUntil = unclippedUntil.get();
+  }
+};
+
 }  // namespace
 
 int32_t RenderDoorPanels(t_KrRenderInfo* ri, const DoorPanelFields& fields, DoorAxis axis, DoorCount count) {
@@ -930,19 +997,19 @@ int32_t RenderDoorPanels(t_KrRenderInfo* ri, const DoorPanelFields& fields, Door
            hingeFar);
   PlayAxis(acrossWrites.get(), lengthAcross, cellAcross, cellsAcross,
            twoDoors ? Placing::Mirrored : Placing::MirroredClamped, false);
-  // The edges the doors show (a door place's r lies between e and the half cell), each given a lane of RowSources.
+  // The edges the doors show: a door place's r lies between e and the half cell.
   Scratch<int32_t> laneOf = AllocateScratch<int32_t>(static_cast<size_t>(halfAcross) + 1);
-  if (!laneOf) return 1;
-  std::fill_n(laneOf.get(), static_cast<size_t>(halfAcross) + 1, -1);
-  int32_t lowestEdge = 0;
-  for (int32_t i = 0; i < lengthAlong; ++i) {
-    along[i] = Along(alongWrites[i], turn, lengthAlong, cellAlong, pw, aa);
-    if (along[i].c == kUnwritten || !along[i].door) continue;
-    lowestEdge = std::min(lowestEdge, along[i].e);
-    if (along[i].e >= 0 && along[i].e <= halfAcross) laneOf[static_cast<size_t>(along[i].e)] = 0;
-  }
   Scratch<int32_t> edges = AllocateScratch<int32_t>(static_cast<size_t>(halfAcross) + 1);
-  if (!edges) return 1;
+  if (!laneOf || !edges) return 1;
+  std::fill_n(laneOf.get(), static_cast<size_t>(halfAcross) + 1, -1);
+  int32_t lowestEdge = 0, mostInBox = 0;
+  for (int32_t i = 0; i < lengthAlong; ++i) {
+    const AlongPlace& a = along[i] = Along(alongWrites[i], turn, lengthAlong, cellAlong, pw, aa);
+    if (a.c == kUnwritten || !a.door) continue;
+    lowestEdge = std::min(lowestEdge, a.e);
+    if (a.e >= 0 && a.e <= halfAcross) laneOf[static_cast<size_t>(a.e)] = 0;
+    if (aa && a.boxLo <= a.boxHi) mostInBox = std::max(mostInBox, a.boxHi - a.boxLo + 1);
+  }
   int32_t lanes = 0;
   for (int32_t e = 0; e <= halfAcross; ++e) {
     if (laneOf[static_cast<size_t>(e)] < 0) continue;
@@ -954,76 +1021,54 @@ int32_t RenderDoorPanels(t_KrRenderInfo* ri, const DoorPanelFields& fields, Door
     across[i] = {a.distance, WrappingAdd(a.distance, turn.ph), a.far, a.first, a.last};
   }
   SourceOffsets offsets(cellAcross, halfAcross, lanes > 0 ? edges[static_cast<size_t>(lanes) - 1] : 0);
-  RowSources rowSources(edges.get(), lanes, cellAcross, halfAcross, width, height);
-  const bool laned = columns && lowestEdge >= 0 && rowSources.usable();
+  LaneDivider dividers[kLaneCounts + 1];
+  for (int32_t d = 2; d <= std::min(mostInBox + 1, kLaneCounts); ++d) dividers[d] = LaneDivider(d);
 
-  Scratch<DoorColumn> doorColumns = AllocateScratch<DoorColumn>(static_cast<size_t>(lengthAlong));
-  Scratch<DoorBox> boxes = AllocateScratch<DoorBox>(aa && columns ? static_cast<size_t>(lengthAlong) : 1);
+  DoorScene scene;
+  scene.rows = FrameRows::Of(ri);
+  scene.aa = aa;
+  scene.pen = pen;
+  scene.pw = pw;
+  scene.along = along.get();
+  scene.across = across.get();
+  scene.offsets = &offsets;
+  scene.segments = segments.get();
+  scene.dividers = dividers;
+  ByteDivider divider;
+  if (columns) {
+    RowSources rowSources(edges.get(), lanes, cellAcross, halfAcross, width, height);
+    const AlongTables tables = AlongTables::Of(along.get(), lengthAlong, laneOf.get(), halfAcross, aa,
+                                               std::clamp(2 * turn.radius + 1, 1, kLaneCounts - 1));
+    if (!tables.complete) return 1;
+    tables.Into(scene);
+    scene.rowSources = lowestEdge >= 0 && rowSources.usable() ? &rowSources : nullptr;
+    scene.boxed = mostInBox > 0;
+    const int32_t n = Segments(
+        segments.get(), width, true, [&](int32_t x) { return along[x].c != kUnwritten; },
+        [&](int32_t x) { return along[x].c; }, [&](int32_t x) { return along[x].e; });
+    for (int32_t y = 0; y < height; ++y) PaintRowAlongX(scene, y, n, divider);
+    return 1;
+  }
   Scratch<int32_t> columnSources = AllocateScratch<int32_t>(static_cast<size_t>(width));
-  Scratch<uint32_t> averaged = AllocateScratch<uint32_t>(aa && !columns ? static_cast<size_t>(width) : 1);
+  Scratch<uint32_t> averaged = AllocateScratch<uint32_t>(aa ? static_cast<size_t>(width) : 1);
   Scratch<ColumnRange> ranges = AllocateScratch<ColumnRange>(static_cast<size_t>(width));
   // Below 2^30 columns every value of the lean fill fits 32 bits.
-  const bool leanFill = !columns && width < (1 << 30);
+  const bool leanFill = width < (1 << 30);
   Scratch<AcrossColumn> acrossColumns = AllocateScratch<AcrossColumn>(leanFill ? static_cast<size_t>(width) : 1);
-  if (!doorColumns || !boxes || !columnSources || !averaged || !ranges || !acrossColumns) return 1;
+  if (!columnSources || !averaged || !ranges || !acrossColumns) return 1;
   for (int32_t i = 0; leanFill && i < width; ++i) {
     const AcrossPlace& a = across[i];
     const int64_t k = int64_t{width} - 1 - (a.far ? a.last : a.first);  // at most width - 1; held above -2^30
     acrossColumns[i] = {a.r, static_cast<int32_t>(std::max<int64_t>(k, -(int64_t{1} << 30))), a.far ? 0 : -1};
   }
-  int32_t mostInBox = 0;
-  for (int32_t i = 0; i < lengthAlong; ++i) {
-    const AlongPlace& a = along[i];
-    // Places that never show a door keep lane 0, unread.
-    const int32_t lane = a.e >= 0 && a.e <= halfAcross ? std::max(laneOf[static_cast<size_t>(a.e)], 0) : 0;
-    doorColumns[i] = {lane, a.source};
-    if (!aa) continue;
-    const int32_t n = a.boxLo <= a.boxHi ? a.boxHi - a.boxLo + 1 : 0;
-    if (columns) boxes[i] = n > 0 ? DoorBox{lane, a.boxLo, n, a.source - a.boxLo} : DoorBox{lane, a.source, 0, 0};
-    if (a.c != kUnwritten && a.door) mostInBox = std::max(mostInBox, n);
-  }
-  Scratch<int32_t> sources = AllocateScratch<int32_t>(static_cast<size_t>(lengthAlong));
-  Scratch<LaneRun> runs = AllocateScratch<LaneRun>(static_cast<size_t>(lengthAlong));
-  Scratch<int32_t> runOf = AllocateScratch<int32_t>(static_cast<size_t>(lengthAlong));
-  if (!sources || !runs || !runOf) return 1;
-  int32_t runCount = 0, doorPlaces = 0, doorRuns = 0;
-  for (int32_t i = 0; i < lengthAlong; ++i) {
-    sources[i] = along[i].source;
-    const bool door = along[i].c != kUnwritten && along[i].door;
-    if (i == 0 || doorColumns[i].lane != doorColumns[i - 1].lane) {
-      runs[runCount++] = {i, doorColumns[i].lane};
-      doorRuns += door;
-    }
-    runs[runCount - 1].end = i + 1;
-    runOf[i] = runCount - 1;
-    doorPlaces += door;
-  }
-  const int32_t commonBox = std::clamp(2 * turn.radius + 1, 1, kLaneCounts - 1);
-  Scratch<int32_t> unclippedUntil = AllocateScratch<int32_t>(aa && columns ? static_cast<size_t>(lengthAlong) : 1);
-  if (!unclippedUntil) return 1;
-  for (int32_t i = lengthAlong - 1; aa && columns && i >= 0; --i) {
-    const bool unclipped = boxes[i].n == commonBox;
-    unclippedUntil[i] = !unclipped ? i : i + 1 < lengthAlong && boxes[i + 1].n == commonBox ? unclippedUntil[i + 1] : i + 1;
-  }
-  LaneDivider dividers[kLaneCounts + 1];
-  for (int32_t d = 2; d <= std::min(mostInBox + 1, kLaneCounts); ++d) dividers[d] = LaneDivider(d);
-  DoorScene scene{FrameRows::Of(ri), columns, aa, pen, pw, along.get(), across.get(), &offsets, segments.get(),
-                  laned ? &rowSources : nullptr, doorColumns.get(), sources.get(), runs.get(), runOf.get(),
-                  doorPlaces >= 4 * int64_t{doorRuns}, boxes.get(), mostInBox > 0,
-                  commonBox, unclippedUntil.get(), dividers, columnSources.get(), INT32_MIN,
-                  leanFill ? acrossColumns.get() : nullptr, ranges.get(), averaged.get()};
-  ByteDivider divider;
-  if (columns) {
-    const int32_t n = Segments(
-        segments.get(), width, true, [&](int32_t x) { return along[x].c != kUnwritten; },
-        [&](int32_t x) { return along[x].c; }, [&](int32_t x) { return along[x].e; });
-    for (int32_t y = 0; y < height; ++y) PaintRowAlongX(scene, y, n, divider);
-  } else {
-    const int32_t n = Segments(
-        segments.get(), width, false, [&](int32_t x) { return across[x].r != kUnwritten; },
-        [&](int32_t x) { return across[x].r; }, [&](int32_t x) { return across[x].rPen; });
-    for (int32_t y = 0; y < height; ++y) PaintRowAcrossX(scene, y, n, divider);
-  }
+  scene.columnSources = columnSources.get();
+  scene.acrossColumns = leanFill ? acrossColumns.get() : nullptr;
+  scene.ranges = ranges.get();
+  scene.averaged = averaged.get();
+  const int32_t n = Segments(
+      segments.get(), width, false, [&](int32_t x) { return across[x].r != kUnwritten; },
+      [&](int32_t x) { return across[x].r; }, [&](int32_t x) { return across[x].rPen; });
+  for (int32_t y = 0; y < height; ++y) PaintRowAcrossX(scene, y, n, divider);
   return 1;
 }
 
