@@ -423,7 +423,8 @@ constexpr std::array<LaneReciprocal, kLaneCounts + 1> kLaneReciprocals = [] {
   }
   return table;
 }();
-static_assert(std::all_of(kLaneReciprocals.begin() + 2, kLaneReciprocals.end(), [](LaneReciprocal r) { return r.m != 0; }),
+static_assert(std::all_of(kLaneReciprocals.begin() + 2, kLaneReciprocals.end(),
+                          [](LaneReciprocal r) { return r.m != 0; }),
               "every count up to kLaneCounts has a reciprocal that fits a lane");
 
 // The four byte sums of a pixel, side by side in the low four 16-bit lanes.
@@ -629,7 +630,7 @@ struct DoorScene {
   const DoorBox* boxes = nullptr;           // anti-aliasing: along[x]'s box
   bool boxed = false;                       // anti-aliasing: some door place averages a box
   int32_t commonBox = 0;                    // anti-aliasing: the box size of places no cell edge clips
-  const int32_t* unclippedUntil = nullptr;  // anti-aliasing: where the run of such boxes from a place ends (itself: none)
+  const int32_t* unclippedUntil = nullptr;  // anti-aliasing: where such boxes stop from a place on (itself: none)
 
   // Vertical Doors, Vertical Swinging Door.
   int32_t* columnSources = nullptr;          // the source column of each door place for the edge `columnsEdge`
@@ -739,7 +740,8 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, ByteDiv
   const PixelWord* from = s.rows.inputA;
   auto penQuarter = [&](int32_t x) { return row.rPen == along[x].e ? along[x].q : 0; };
   PaintSegments(s, y, segmentCount, isDoor, isCovered, penQuarter, [&](int32_t doorBegin, int32_t doorEnd) {
-    if (starts == nullptr) {  // sources worked out in full (huge frames, or an edge below 0 where 32-bit products wrapped)
+    // Sources worked out in full: huge frames, or an edge below 0 where 32-bit products wrapped.
+    if (starts == nullptr) {
       for (int32_t x = doorBegin; x < doorEnd; ++x) {
         const AlongPlace& p = along[x];
         const PixelWord* source = s.rows.A(row.Source(s.offsets->At(row.r, p.e), s.rows.height));
@@ -771,8 +773,9 @@ void PaintRowAlongX(const DoorScene& s, int32_t y, int32_t segmentCount, ByteDiv
       for (int32_t x = doorBegin; x < doorEnd; ++run) {
         const int32_t stop = std::min(run->end, doorEnd);
         const PixelWord* line = from + starts[run->lane];
-        __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(line + sources[x]) + ahead));
-        __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(line + sources[stop - 1]) + ahead));
+        for (const int32_t at : {sources[x], sources[stop - 1]}) {
+          __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(line + at) + ahead));
+        }
         for (; x < stop; ++x) to[x] = line[sources[x]];
       }
       if (!s.aa) return;
