@@ -134,7 +134,9 @@ class DoorFamily : public testing::TestWithParam<Member> {};
 
 TEST_P(DoorFamily, DrawsWhatPlayingTheWritesInOrderDraws) {
   const Member& m = GetParam();
-  const std::pair<int32_t, int32_t> sizes[] = {{97, 61}, {10, 10}, {5, 13}, {1, 7}, {7, 1}, {33, 2}, {2, 2}, {100, 10}};
+  // 400 x 120 and 120 x 400 at Progress 1: boxes of 101 places and of 201, beyond the counts 16-bit lanes divide.
+  const std::pair<int32_t, int32_t> sizes[] = {{97, 61}, {10, 10}, {5, 13},  {1, 7},     {7, 1},
+                                               {33, 2},  {2, 2},   {100, 10}, {400, 120}, {120, 400}};
   const Setting settings[] = {
       {},
       {.pw = 3, .aa = true},
