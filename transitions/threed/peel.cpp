@@ -105,12 +105,14 @@ class Sheet {
   double Fold() const { return f_; }
 
   // What a pixel at distance delta from the fold surely shows, whatever the
-  // rest: A where even the flap's material would lie beyond the start corner
-  // (S(m).n = F + pi R - delta exceeds the frame's reach s0 by more than a
-  // pixel), B from 2R + 1 on (past the curl and its shadow).
+  // rest: A where the sheet still lies (delta <= 0) and even the flat flap's
+  // material would lie beyond the start corner (S(m).n = F + pi R - delta
+  // exceeds the frame's reach s0 by more than a pixel), B from 2R + 1 on
+  // (past the curl and its shadow). Where the sheet has lifted, B and the
+  // lower curl show whatever the flap does.
   enum class Sure { A, Either, B };
   Sure Surely(double delta) const {
-    if (delta < clearOfFlap_) return Sure::A;
+    if (delta <= 0 && delta < clearOfFlap_) return Sure::A;
     return delta >= 2 * r_ + 1 ? Sure::B : Sure::Either;
   }
 

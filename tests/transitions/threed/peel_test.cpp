@@ -41,6 +41,16 @@ TEST(Peel, ShowsEachLayerWhereTheFoldPutsIt) {
   }
 }
 
+TEST(Peel, EarlyOnTheLiftedCornerShowsTheLowerCurl) {
+  // 100 x 80, Bottom Right, Progress 0.1: F = 64.38, and the flat flap's
+  // material lies beyond the start corner wherever delta < 9.44. (90, 3) has
+  // lifted (delta = 4.10): the upper curl's material lies outside the frame,
+  // the lower curl's comes from (90.66, 3.37), lit by 0.9293 (a = 238).
+  const emu::Frame out = Render({"Peel", 100, 80, 0.1, {{"Shadow", 0}}});
+  EXPECT_EQ(out.At(90, 3), Shaded(Code(kTagA, 90, 3), 238));
+  EXPECT_EQ(out.At(20, 70), Code(kTagA, 20, 70)) << "the sheet still lies here";
+}
+
 TEST(Peel, CornersBeyondTheListAreBottomRight) {
   const emu::Frame bottomRight = Render({"Peel", 100, 80, 0.37, {{"Corner", 3}}});
   for (const int32_t corner : {4, 5, -1, std::numeric_limits<int32_t>::max()}) {
