@@ -665,7 +665,9 @@ void PaintSegments(const DoorScene& s, int32_t y, int32_t segmentCount, IsDoor i
         out[x] = q == 0 ? s.pen : MixQuarters(s.pen, revealed[x], q);
       }
     }
-    paintDoors(st.doorBegin, st.doorEnd);
+    // An empty stretch has nothing to gather; at the row's end its begin
+    // lies past the per-place tables.
+    if (st.doorBegin < st.doorEnd) paintDoors(st.doorBegin, st.doorEnd);
   }
 }
 

@@ -136,7 +136,8 @@ TEST_P(DoorFamily, DrawsWhatPlayingTheWritesInOrderDraws) {
   const Member& m = GetParam();
   // 400 x 120 and 120 x 400 at Progress 1: boxes of 101 places and of 201, beyond the counts 16-bit lanes divide.
   const std::pair<int32_t, int32_t> sizes[] = {{97, 61}, {10, 10}, {5, 13},  {1, 7},     {7, 1},
-                                               {33, 2},  {2, 2},   {100, 10}, {400, 120}, {120, 400}};
+                                               {33, 2},  {2, 2},   {100, 10}, {400, 120}, {120, 400},
+                                               {287, 1}};
   const Setting settings[] = {
       {},
       {.pw = 3, .aa = true},
@@ -144,6 +145,8 @@ TEST_P(DoorFamily, DrawsWhatPlayingTheWritesInOrderDraws) {
       {.dx = 2, .dy = 5, .aa = true, .exchange = true},
       {.dx = 8, .dy = 8, .pw = 1, .nearHinge = false, .aa = true},
       {.dx = 3, .dy = 7, .pw = 10, .closing = true, .aa = true, .exchange = true},
+      // At 287 x 1 a row's last door stretch is empty at the row's end.
+      {.dx = 5, .dy = 5, .pw = 3, .nearHinge = false},
   };
   for (const auto& [w, h] : sizes) {
     const emu::Frame a = emu::SampleClipA(w, h, 2), b = emu::SampleClipB(w, h, 4);
