@@ -98,10 +98,7 @@ class StarShape {
             }
             if (!started) mean.StartRow(y, c.x0, c.x1);
             started = true;
-            for (int32_t x = begin; x < end; ++x) {
-              if (membership & kOuter) mean.Replace(x);
-              if (membership & kInner) mean.Replace(x);
-            }
+            mean.ReplaceRun(begin, end, (membership & kOuter ? 1 : 0) + (membership & kInner ? 1 : 0));
           });
     }
   }
