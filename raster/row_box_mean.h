@@ -13,7 +13,11 @@
 #include <emmintrin.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <cstring>
+#include <span>
+#include <utility>
 
 #include "host/declare.h"
 #include "raster/pixel_rows.h"
@@ -59,6 +63,36 @@ constexpr bool LaneDivisionExact(uint32_t d) {
 static_assert(LaneDivisionExact(3 * 3) && LaneDivisionExact(5 * 5) && LaneDivisionExact(7 * 7) &&
               LaneDivisionExact(9 * 9) && LaneDivisionExact(11 * 11) && LaneDivisionExact(13 * 13));
 
+// For how often the two pixels of a pair are replaced, a and b (0 to 2 each,
+// at 3 a + b): the lanes of a pixel replaced at least once and twice, and
+// the opaque byte of a pixel replaced.
+struct PairLanes {
+  alignas(16) int32_t once[4];
+  alignas(16) int32_t twice[4];
+  alignas(16) int32_t opaque[4];
+  bool anyTwice;
+};
+
+constexpr std::array<PairLanes, 9> MakePairLanes() {
+  std::array<PairLanes, 9> table{};
+  for (int32_t a = 0; a < 3; ++a) {
+    for (int32_t b = 0; b < 3; ++b) {
+      PairLanes& l = table[static_cast<size_t>(3 * a + b)];
+      for (int32_t i = 0; i < 2; ++i) {
+        l.once[i] = a >= 1 ? -1 : 0;
+        l.once[2 + i] = b >= 1 ? -1 : 0;
+        l.twice[i] = a >= 2 ? -1 : 0;
+        l.twice[2 + i] = b >= 2 ? -1 : 0;
+      }
+      l.opaque[0] = a >= 1 ? static_cast<int32_t>(0xFF000000u) : 0;
+      l.opaque[1] = b >= 1 ? static_cast<int32_t>(0xFF000000u) : 0;
+      l.anyTwice = a >= 2 || b >= 2;
+    }
+  }
+  return table;
+}
+inline constexpr std::array<PairLanes, 9> kPairLanes = MakePairLanes();
+
 class RowBoxMean {
  public:
   static constexpr int32_t kMaxSide = 13;
@@ -73,12 +107,14 @@ class RowBoxMean {
         columns_(k_ > 1 ? AllocateScratch<uint64_t>(static_cast<size_t>(rows.width)) : nullptr) {}
 
   // Gathers the sums of row y for means over columns [begin, end): slid down
-  // from the row before when that was gathered over the same columns and no
-  // row of either window is held to the frame's edge, summed anew otherwise.
+  // from the row before where that gathered them too and no row of either
+  // window is held to the frame's edge, summed anew elsewhere.
   void StartRow(int32_t y, int32_t begin, int32_t end) {
     const int32_t first = std::max(begin - half_, 0), last = std::min(end - 1 + half_, rows_.width - 1);
-    const bool slide = Summed() && y == y_ + 1 && first == first_ && last == last_ && y - 1 - half_ >= 0 &&
+    const bool slide = Summed() && y == y_ + 1 && first <= last_ && first_ <= last && y - 1 - half_ >= 0 &&
                        y + half_ < rows_.height;
+    const int32_t slidFirst = slide ? std::max(first, first_) : last + 1;
+    const int32_t slidLast = slide ? std::min(last, last_) : last;
     y_ = y;
     first_ = first;
     last_ = last;
@@ -92,20 +128,10 @@ class RowBoxMean {
     }
     if (!Summed()) return;
     if (slide) {
-      SlideColumns(rows_.Out(y + half_), rows_.Out(y - 1 - half_), first, last);
-      return;
+      SlideColumns(columns_.get(), columns_.get(), rows_.Out(y + half_), rows_.Out(y - 1 - half_), slidFirst, slidLast);
     }
-    int32_t c = first;
-    for (; c + 1 <= last; c += 2) {  // two columns a step
-      __m128i sum = _mm_setzero_si128();
-      for (int32_t i = 0; i < k_; ++i) sum = _mm_add_epi16(sum, Unpack2(window[i] + c));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(&columns_[c]), sum);
-    }
-    if (c <= last) {
-      __m128i sum = _mm_setzero_si128();
-      for (int32_t i = 0; i < k_; ++i) sum = _mm_add_epi16(sum, Unpack(window[i][c]));
-      StoreColumn(c, sum);
-    }
+    Gather(window, first, slidFirst - 1);
+    Gather(window, slidLast + 1, last);
   }
 
   // Replaces pixel x of the row by the mean around it.
@@ -133,6 +159,59 @@ class RowBoxMean {
   // Replaces pixels end - 1 down to begin, each once.
   void ReplaceRunDown(int32_t begin, int32_t end) { Run<-1>(begin, end, 1); }
 
+  // Pixels [begin, end) of one row, each replaced `times` times over.
+  struct Span {
+    int32_t begin, end, times;
+  };
+
+  // Rows y and y + 1 over columns [begin, end), each its spans in ascending
+  // order: the same as StartRow and ReplaceRun of every span for row y, then
+  // for row y + 1 (a row without spans is not started). Where both rows'
+  // windows lie inside the frame's rows, the rows go side by side, row y + 1
+  // a few pixels behind: a mean of row y + 1 needs row y done only up to
+  // its window's last column, and two means at a time halve the chain that
+  // bounds a single row.
+  void ReplaceRowPair(int32_t y, int32_t begin, int32_t end, std::span<const Span> first,
+                      std::span<const Span> second) {
+    // Pixel u of row y + 1 needs row y final up to column u + half_ + 1, the
+    // one its window slides in next: row y runs lag pixels ahead. Side by
+    // side from the first pixel of either row to the last, where both rows'
+    // windows lie inside the frame; one row at a time before and after.
+    const int32_t lag = half_ + 2;
+    int32_t from = 0, to = 0;
+    if (PairPossible(y, begin, end, first, second)) {
+      from = std::max({std::min(first.front().begin, second.front().begin + lag), begin + lag, half_ + lag});
+      to = std::min({std::max(first.back().end, second.back().end + lag), end, rows_.width - half_});
+    }
+    if (from >= to) {
+      for (const auto& [row, spans] : {std::pair{y, first}, std::pair{y + 1, second}}) {
+        if (spans.empty()) continue;
+        StartRow(row, begin, end);
+        for (const Span& s : spans) ReplaceRun(s.begin, s.end, s.times);
+      }
+      return;
+    }
+    const PixelWord* entering = rows_.Out(y + 1 + half_);
+    const PixelWord* leaving = rows_.Out(y - half_);
+    StartRow(y, begin, end);
+    ReplaceSpans(first, begin, from);
+    // Row y's sums moved up into row y + 1's; where row y is still to come
+    // side by side its changes are added to both.
+    SlideColumns(columns_.get(), spare_.get(), entering, leaving, first_, to - 1);
+    SwitchRow(y + 1);
+    ReplaceSpans(second, begin, from - lag);
+    switch (half_) {
+      case 2: PairedInterior<2>(from, to, first, second); break;
+      case 4: PairedInterior<4>(from, to, first, second); break;
+      default: PairedInterior<6>(from, to, first, second); break;
+    }
+    SwitchRow(y);
+    ReplaceSpans(first, to, end);
+    SlideColumns(columns_.get(), spare_.get(), entering, leaving, to, last_);
+    SwitchRow(y + 1);
+    ReplaceSpans(second, to - lag, end);
+  }
+
  private:
   // Without the sums (a side of 1, or a width too large to hold them) every
   // mean reads its pixels.
@@ -156,21 +235,35 @@ class RowBoxMean {
                          _mm_cvtsi32_si128(division_.shift));
   }
 
-  // Columns [first, last] take row `entering` in and row `leaving` out.
-  void SlideColumns(const PixelWord* entering, const PixelWord* leaving, int32_t first, int32_t last) {
+  // The sums of columns [first, last] over the rows of `window`.
+  void Gather(const PixelWord* const* window, int32_t first, int32_t last) {
     int32_t c = first;
-    for (; c + 3 <= last; c += 4) {  // four columns a step
-      const __m128i in = _mm_loadu_si128(reinterpret_cast<const __m128i*>(entering + c));
-      const __m128i out = _mm_loadu_si128(reinterpret_cast<const __m128i*>(leaving + c));
-      const __m128i zero = _mm_setzero_si128();
-      const __m128i low = _mm_sub_epi16(_mm_unpacklo_epi8(in, zero), _mm_unpacklo_epi8(out, zero));
-      const __m128i high = _mm_sub_epi16(_mm_unpackhi_epi8(in, zero), _mm_unpackhi_epi8(out, zero));
-      __m128i* sums = reinterpret_cast<__m128i*>(&columns_[c]);
-      _mm_storeu_si128(sums, _mm_add_epi16(_mm_loadu_si128(sums), low));
-      _mm_storeu_si128(sums + 1, _mm_add_epi16(_mm_loadu_si128(sums + 1), high));
+    for (; c + 1 <= last; c += 2) {  // two columns a step
+      __m128i sum = _mm_setzero_si128();
+      for (int32_t i = 0; i < k_; ++i) sum = _mm_add_epi16(sum, Unpack2(window[i] + c));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(&columns_[c]), sum);
     }
-    for (; c <= last; ++c) {
-      StoreColumn(c, _mm_add_epi16(LoadColumn(c), _mm_sub_epi16(Unpack(entering[c]), Unpack(leaving[c]))));
+    if (c <= last) {
+      __m128i sum = _mm_setzero_si128();
+      for (int32_t i = 0; i < k_; ++i) sum = _mm_add_epi16(sum, Unpack(window[i][c]));
+      StoreColumn(c, sum);
+    }
+  }
+
+  // Columns [first, last] take row `entering` in and row `leaving` out: the
+  // sums `from` moved a row up into `to` (which may be `from`).
+  static void SlideColumns(const uint64_t* from, uint64_t* to, const PixelWord* entering, const PixelWord* leaving,
+                           int32_t first, int32_t last) {
+    int32_t c = first;
+    for (; c + 1 <= last; c += 2) {  // two columns a step
+      const __m128i change = _mm_sub_epi16(Unpack2(entering + c), Unpack2(leaving + c));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(to + c),
+                       _mm_add_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from + c)), change));
+    }
+    if (c <= last) {
+      const __m128i change = _mm_sub_epi16(Unpack(entering[c]), Unpack(leaving[c]));
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(to + c),
+                       _mm_add_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(from + c)), change));
     }
   }
 
@@ -283,10 +376,121 @@ class RowBoxMean {
     }
   }
 
+  void ReplaceSpans(std::span<const Span> spans, int32_t from, int32_t to) {
+    for (const Span& s : spans) {
+      const int32_t b = std::max(s.begin, from), e = std::min(s.end, to);
+      if (b < e) ReplaceRun(b, e, s.times);
+    }
+  }
+
+  // Side by side needs the sums for both rows, rows y - half_ to y + 1 +
+  // half_ inside the frame (each row counts once), and spans ascending
+  // inside [begin, end) and replaced at most twice.
+  bool PairPossible(int32_t y, int32_t begin, int32_t end, std::span<const Span> first, std::span<const Span> second) {
+    if (!Summed() || first.empty() || second.empty() || y - half_ < 0 || y + 1 + half_ >= rows_.height) return false;
+    if (half_ != 2 && half_ != 4 && half_ != 6) return false;  // the sides of the Gauss Filter items
+    if (begin < 0 || end > rows_.width) return false;
+    for (const auto spans : {first, second}) {
+      int32_t from = begin;
+      for (const Span& s : spans) {
+        if (s.begin < from || s.end < s.begin || s.end > end || s.times < 0 || s.times > 2) return false;
+        from = s.end;
+      }
+    }
+    if (!spare_) {
+      spare_ = AllocateScratch<uint64_t>(static_cast<size_t>(rows_.width));
+      timesFirst_ = AllocateScratch<uint8_t>(static_cast<size_t>(rows_.width));
+      timesSecond_ = AllocateScratch<uint8_t>(static_cast<size_t>(rows_.width));
+    }
+    return spare_ != nullptr && timesFirst_ != nullptr && timesSecond_ != nullptr;
+  }
+
+  // The sums of the other row of a pair become the current ones; the window
+  // is summed anew at the next mean.
+  void SwitchRow(int32_t y) {
+    std::swap(columns_, spare_);
+    y_ = y;
+    slidePossible_ = false;
+  }
+
+  // Row y (sums in spare_) over [from, to) beside row y + 1 (the current
+  // sums) kLag pixels behind, every column of both windows inside the frame:
+  // the two windows are the two halves of one register. The half side is a
+  // constant, so that the columns around x are fixed offsets.
+  template <int32_t kHalf>
+  void PairedInterior(int32_t from, int32_t to, std::span<const Span> first, std::span<const Span> second) {
+    constexpr int32_t kLag = kHalf + 2;
+    // How often each pixel of the two rows is replaced.
+    uint8_t* timesFirst = timesFirst_.get();
+    uint8_t* timesSecond = timesSecond_.get();
+    std::memset(timesFirst + from, 0, static_cast<size_t>(to - from));
+    std::memset(timesSecond + from - kLag, 0, static_cast<size_t>(to - from));
+    for (const Span& s : first) std::memset(timesFirst + s.begin, s.times, static_cast<size_t>(s.end - s.begin));
+    for (const Span& s : second) std::memset(timesSecond + s.begin, s.times, static_cast<size_t>(s.end - s.begin));
+
+    PixelWord* rowFirst = rows_.Out(y_ - 1);
+    PixelWord* rowSecond = rows_.Out(y_);
+    uint64_t* sumsFirst = spare_.get();
+    uint64_t* sumsSecond = columns_.get();
+    constexpr uint16_t kMultiplier = LaneDivisionBy((2 * kHalf + 1) * (2 * kHalf + 1)).multiplier;
+    constexpr int32_t kShift = LaneDivisionBy((2 * kHalf + 1) * (2 * kHalf + 1)).shift;
+    const auto divide = [](__m128i sums) {
+      return _mm_srli_epi16(_mm_mulhi_epu16(sums, _mm_set1_epi16(static_cast<int16_t>(kMultiplier))), kShift);
+    };
+    const auto sumOf = [&](const uint64_t* sums, int32_t x) {
+      __m128i window = _mm_setzero_si128();
+      for (int32_t c = x - kHalf; c <= x + kHalf; ++c) window = _mm_add_epi16(window, Load(sums + c));
+      return window;
+    };
+    // Lanes 0 to 3 hold row y's window, 4 to 7 row y + 1's.
+    __m128i window = _mm_unpacklo_epi64(sumOf(sumsFirst, from), sumOf(sumsSecond, from - kLag));
+    for (int32_t x = from;; ++x) {
+      const int32_t u = x - kLag;  // row y + 1's pixel
+      const PairLanes& lanes = kPairLanes[static_cast<size_t>(3 * timesFirst[x] + timesSecond[u])];
+      const __m128i pixel = _mm_unpacklo_epi8(
+          _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int32_t>(rowFirst[x])),
+                             _mm_cvtsi32_si128(static_cast<int32_t>(rowSecond[u]))),
+          _mm_setzero_si128());
+      const __m128i rest = _mm_sub_epi16(window, pixel);
+      // A pixel replaced no time keeps its value; one replaced twice takes
+      // the mean of its window with the first mean in.
+      const __m128i firstMean = divide(window);
+      __m128i mean = Select(lanes.once, firstMean, pixel);
+      if (lanes.anyTwice) mean = Select(lanes.twice, divide(_mm_add_epi16(rest, firstMean)), mean);
+      // Row y's change reaches both rows' sums: row y lies in both windows.
+      const __m128i change = _mm_sub_epi16(mean, pixel);
+      Store(sumsFirst + x, _mm_add_epi16(Load(sumsFirst + x), change));
+      Store(sumsSecond + x, _mm_add_epi16(Load(sumsSecond + x), change));
+      Store(sumsSecond + u, _mm_add_epi16(Load(sumsSecond + u), _mm_unpackhi_epi64(change, change)));
+      const __m128i packed = _mm_or_si128(_mm_packus_epi16(mean, mean), Lanes(lanes.opaque));
+      rowFirst[x] = static_cast<uint32_t>(_mm_cvtsi128_si32(packed));
+      rowSecond[u] = static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_srli_si128(packed, 4)));
+      if (x + 1 == to) return;
+      // Both windows slide one column: row y's takes column x + half_ + 1
+      // in, row y + 1's column x - 1.
+      const __m128i slide = _mm_sub_epi16(
+          _mm_unpacklo_epi64(Load(sumsFirst + x + 1 + kHalf), Load(sumsSecond + u + 1 + kHalf)),
+          _mm_unpacklo_epi64(Load(sumsFirst + x - kHalf), Load(sumsSecond + u - kHalf)));
+      __m128i next = _mm_add_epi16(rest, slide);
+      asm("" : "+x"(next));  // kept apart, so that the compiler adds the mean last
+      window = _mm_add_epi16(next, mean);
+    }
+  }
+
+  static __m128i Load(const uint64_t* sums) { return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(sums)); }
+  static void Store(uint64_t* sums, __m128i value) { _mm_storel_epi64(reinterpret_cast<__m128i*>(sums), value); }
+  static __m128i Lanes(const int32_t (&lanes)[4]) { return _mm_load_si128(reinterpret_cast<const __m128i*>(lanes)); }
+  // a in the lanes of `mask`, b elsewhere.
+  static __m128i Select(const int32_t (&mask)[4], __m128i a, __m128i b) {
+    return _mm_xor_si128(b, _mm_and_si128(_mm_xor_si128(a, b), Lanes(mask)));
+  }
+
   const FrameRows& rows_;
   int32_t k_, half_;
   LaneDivision division_;
   Scratch<uint64_t> columns_;  // per column: the sums over the k rows, a 16-bit lane a byte
+  Scratch<uint64_t> spare_;    // the other row's sums while two rows go side by side
+  Scratch<uint8_t> timesFirst_, timesSecond_;  // how often each pixel of the two rows is replaced
   int32_t y_ = -2, first_ = 0, last_ = -1;  // the row gathered last and its columns
   int32_t weight_ = 0;
   int32_t windowX_ = 0;  // the pixel whose window the sums below hold
