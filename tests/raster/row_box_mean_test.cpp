@@ -10,28 +10,10 @@
 #include <vector>
 
 #include "raster/row_box_mean.h"
+#include "transitions/pengrid/pen_grid_support.h"
 
-namespace krl {
+namespace krl::test {
 namespace {
-
-struct Picture {
-  int32_t w, h;
-  std::vector<uint32_t> px;
-  uint32_t& At(int32_t x, int32_t y) { return px[static_cast<size_t>(y) * w + x]; }
-};
-
-// The mean of the k x k pixels around (x, y), coordinates held to the picture.
-uint32_t PlainMean(Picture& p, int32_t x, int32_t y, int32_t k) {
-  uint32_t sum[3] = {};
-  for (int32_t r = y - k / 2; r <= y + k / 2; ++r) {
-    for (int32_t c = x - k / 2; c <= x + k / 2; ++c) {
-      const uint32_t px = p.At(std::clamp(c, 0, p.w - 1), std::clamp(r, 0, p.h - 1));
-      for (int i = 0; i < 3; ++i) sum[i] += (px >> (8 * i)) & 0xFF;
-    }
-  }
-  const uint32_t area = static_cast<uint32_t>(k * k);
-  return 0xFF000000u | (sum[2] / area) << 16 | (sum[1] / area) << 8 | sum[0] / area;
-}
 
 // Ascending spans with gaps somewhere in [0, w), replaced 0 to 2 times (now
 // and then 3, which two rows side by side leave to one row at a time).
@@ -52,13 +34,13 @@ TEST(RowBoxMean, RunsAndRowPairsReplaceAsThePlainMeanInOrder) {
                {1, 6, 5},    {26, 1, 13},  {17, 11, 1}, {40, 26, 7}, {14, 40, 13}, {30, 30, 13}};
   for (const auto& c : cases) {
     std::srand(static_cast<unsigned>(c.w * 131 + c.h * 7 + c.k));
-    Picture fast{c.w, c.h, std::vector<uint32_t>(static_cast<size_t>(c.w) * c.h)};
-    for (uint32_t& px : fast.px) px = static_cast<uint32_t>(std::rand()) << 8 ^ static_cast<uint32_t>(std::rand());
-    Picture plain = fast;
-    const FrameRows rows{nullptr, nullptr, reinterpret_cast<PixelWord*>(fast.px.data()), c.w, c.h};
+    emu::Frame fast(c.w, c.h);
+    for (uint32_t& px : fast.pixels) px = static_cast<uint32_t>(std::rand()) << 8 ^ static_cast<uint32_t>(std::rand());
+    emu::Frame plain = fast;
+    const FrameRows rows{nullptr, nullptr, reinterpret_cast<PixelWord*>(fast.pixels.data()), c.w, c.h};
     RowBoxMean mean(rows, c.k);
     const auto replace = [&](int32_t x, int32_t y, int32_t times) {
-      for (int32_t t = 0; t < times; ++t) plain.At(x, y) = PlainMean(plain, x, y, c.k);
+      for (int32_t t = 0; t < times; ++t) plain.At(x, y) = BoxMean(plain, x, y, c.k);
     };
     // Rows in ascending order, now and then one skipped or its columns
     // changed, so that the sums are slid down as well as gathered anew.
@@ -80,7 +62,7 @@ TEST(RowBoxMean, RunsAndRowPairsReplaceAsThePlainMeanInOrder) {
         for (const auto& s : second) {
           for (int32_t x = s.begin; x < s.end; ++x) replace(x, y + 1, s.times);
         }
-        ASSERT_EQ(fast.px, plain.px) << c.w << "x" << c.h << " k " << c.k << " rows " << y << " and " << y + 1;
+        ASSERT_EQ(fast.pixels, plain.pixels) << c.w << "x" << c.h << " k " << c.k << " rows " << y << " and " << y + 1;
         y += 2;
         continue;
       }
@@ -111,11 +93,11 @@ TEST(RowBoxMean, RunsAndRowPairsReplaceAsThePlainMeanInOrder) {
             }
           }
       }
-      ASSERT_EQ(fast.px, plain.px) << c.w << "x" << c.h << " k " << c.k << " row " << y;
+      ASSERT_EQ(fast.pixels, plain.pixels) << c.w << "x" << c.h << " k " << c.k << " row " << y;
       y += 1 + (std::rand() % 6 == 0);
     }
   }
 }
 
 }  // namespace
-}  // namespace krl
+}  // namespace krl::test
