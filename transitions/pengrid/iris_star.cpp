@@ -118,7 +118,7 @@ class StarShape {
       if (k_ == 1) {  // the mean of one pixel only makes it opaque
         for (const StarSpans* row : {&first, &second}) {
           PixelWord* out = f_.rows.Out(row->y);
-          for (const RowBoxMean::Span& s : row->Spans()) {
+          for (const RowBoxMean::Span s : row->Spans()) {  // a copy: the pixels may alias anything
             for (int32_t x = s.begin; x < s.end; ++x) out[x] |= 0xFF000000u;
           }
         }
