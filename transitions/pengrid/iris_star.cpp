@@ -89,7 +89,7 @@ class StarSpans {
 
  private:
   // Runs change only at the cuts: at most one more than there are cuts.
-  std::array<RowBoxMean::Span, 2 * RowCrossings::kMaxVertices + 1> spans_{};
+  std::array<RowBoxMean::Span, 2 * RowCrossings::kMaxVertices + 1> spans_;  // the first count_ hold spans
   size_t count_ = 0;
 };
 
@@ -111,19 +111,20 @@ class StarShape {
   // pixels this pass has already replaced, and the inner star is averaged a
   // second time right after the first. Rows go to the mean in pairs.
   void Smooth(const Cell& c, std::span<const Vertex> inner, std::span<const Vertex> outer) const {
+    if (k_ == 1) {  // the mean of one pixel only makes it opaque
+      for (int32_t y = c.y0; y < c.y1; ++y) {
+        const StarSpans row(c, y, inner, outer);
+        PixelWord* out = f_.rows.Out(y);
+        for (const RowBoxMean::Span s : row.Spans()) {  // a copy: the pixels may alias anything
+          for (int32_t x = s.begin; x < s.end; ++x) out[x] |= 0xFF000000u;
+        }
+      }
+      return;
+    }
     RowBoxMean mean(f_.rows, k_);
     for (int32_t y = c.y0; y < c.y1; y += 2) {
       const StarSpans first(c, y, inner, outer);
       const StarSpans second = y + 1 < c.y1 ? StarSpans(c, y + 1, inner, outer) : StarSpans();
-      if (k_ == 1) {  // the mean of one pixel only makes it opaque
-        for (const StarSpans* row : {&first, &second}) {
-          PixelWord* out = f_.rows.Out(row->y);
-          for (const RowBoxMean::Span s : row->Spans()) {  // a copy: the pixels may alias anything
-            for (int32_t x = s.begin; x < s.end; ++x) out[x] |= 0xFF000000u;
-          }
-        }
-        continue;
-      }
       // The sums are kept over the columns the two rows' means read.
       const int32_t begin = std::min(first.Begin(), second.Begin()), end = std::max(first.End(), second.End());
       mean.ReplaceRowPair(y, begin, end, first.Spans(), second.Spans());
