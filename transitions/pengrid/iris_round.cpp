@@ -4,6 +4,7 @@
 
 #include "host/transition.h"
 #include "transitions/pengrid/iris_frame.h"
+#include "transitions/pengrid/soft_edge.h"
 
 namespace krl {
 namespace {
@@ -25,21 +26,6 @@ int64_t HalfWidthBelow(int64_t m) {
   while ((s + 1) * (s + 1) <= m - 1) ++s;
   return s;
 }
-
-// Per byte: trunc(from + (to - from) x f), in extended precision; the low
-// byte is kept when f lies outside 0..1.
-uint32_t Blend(uint32_t from, uint32_t to, float f) {
-  uint32_t out = 0;
-  for (int shift = 0; shift < 32; shift += 8) {
-    const int32_t p = static_cast<int32_t>((from >> shift) & 0xFF), q = static_cast<int32_t>((to >> shift) & 0xFF);
-    const long double v = p + (q - p) * static_cast<long double>(f);
-    out |= uint32_t{static_cast<uint8_t>(TruncToInt32(v))} << shift;
-  }
-  return out;
-}
-
-// The mixing factor for an edge distance e below the softness k.
-float MixFactor(long double k, long double e) { return RoundToSingle((1 - k) + e); }
 
 class RoundShape {
  public:
@@ -111,31 +97,23 @@ class RoundShape {
     limits_ = {insideUpTo_ + 1, outsideFrom_, penFrom_, penUpTo_ + 1};
   }
 
-  // The softness k comes from the angle measured from the first cell's centre
-  // in frame coordinates, whatever cell the pixel lies in.
-  long double Softness(int32_t x, int32_t y, int32_t cx) const {
-    if (x == cx) return 0.5L;
-    const long double angle = std::atan(std::abs(static_cast<long double>(f_.centreY) - y) /
-                                        std::abs(static_cast<long double>(f_.centreX) - x));
-    return (std::cos(angle) + std::sin(angle)) * 0.5L;
-  }
-
   uint32_t SoftPixel(int32_t x, int32_t y, int32_t cx, int64_t q) const {
     const uint32_t inside = f_.InsideRow(y)[x], outside = f_.OutsideRow(y)[x], pen = f_.pen;
     const bool noPen = f_.penThickness == 0;
     const long double dist = std::sqrt(static_cast<long double>(q));
-    const long double k = Softness(x, y, cx);
+    SoftnessBounds k(f_.centreX, f_.centreY, x, y, cx);
     if (q < r2_) {
       const long double e = rad_ - dist;
-      return e < k ? Blend(noPen ? outside : pen, inside, MixFactor(k, e)) : inside;
+      return k.Exceeds(e) ? EdgeBlend(noPen ? outside : pen, inside, k.Mix(e)) : inside;
     }
     if (q >= ro2_) {
       const long double e = (dist - rad_) - f_.penThickness;
-      return e < k ? Blend(noPen ? inside : pen, outside, MixFactor(k, e)) : outside;
+      return k.Exceeds(e) ? EdgeBlend(noPen ? inside : pen, outside, k.Mix(e)) : outside;
     }
     const long double e = dist - rad_;
-    if (e < k) return Blend(inside, noPen ? outside : pen, MixFactor(k, e));
-    if (f_.penThickness - e < k) return Blend(outside, noPen ? inside : pen, MixFactor(k, f_.penThickness - e));
+    if (k.Exceeds(e)) return EdgeBlend(inside, noPen ? outside : pen, k.Mix(e));
+    const long double toOutside = f_.penThickness - e;
+    if (k.Exceeds(toOutside)) return EdgeBlend(outside, noPen ? inside : pen, k.Mix(toOutside));
     return pen;
   }
 

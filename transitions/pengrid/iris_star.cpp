@@ -62,6 +62,37 @@ std::array<Vertex, 10> Star(const Cell& c, int32_t hx, int32_t hy, int32_t tip, 
   }};
 }
 
+// The star's pixels in one row of a cell: a span replaced once in the outer
+// star, twice in the inner one.
+class StarSpans {
+ public:
+  StarSpans() = default;
+  StarSpans(const Cell& c, int32_t row, std::span<const Vertex> inner, std::span<const Vertex> outer) : y(row) {
+    enum : int { kOuter = 1, kInner = 2 };
+    const RowCrossings in(inner, y), out(outer, y);
+    PairCuts cuts(in, out);
+    ForEachRun(
+        c.x0, c.x1, cuts.Columns(),
+        [&](int32_t x) { return (out.Inside(x) ? kOuter : 0) | (in.Inside(x) ? kInner : 0); },
+        [&](int membership, int32_t begin, int32_t end) {
+          if (membership == 0) return;
+          spans_[count_++] = {begin, end, (membership & kOuter ? 1 : 0) + (membership & kInner ? 1 : 0)};
+        });
+  }
+  std::span<const RowBoxMean::Span> Spans() const { return {spans_.data(), count_}; }
+  // The columns the spans cover, from the first to the last; empty spans
+  // cover nothing anywhere.
+  int32_t Begin() const { return count_ != 0 ? spans_[0].begin : INT32_MAX; }
+  int32_t End() const { return count_ != 0 ? spans_[count_ - 1].end : INT32_MIN; }
+
+  int32_t y = 0;
+
+ private:
+  // Runs change only at the cuts: at most one more than there are cuts.
+  std::array<RowBoxMean::Span, 2 * RowCrossings::kMaxVertices + 1> spans_;  // the first count_ hold spans
+  size_t count_ = 0;
+};
+
 class StarShape {
  public:
   explicit StarShape(const IrisFrame& f)
@@ -78,31 +109,25 @@ class StarShape {
  private:
   // In place, row by row from y0 and column by column from x0: the mean reads
   // pixels this pass has already replaced, and the inner star is averaged a
-  // second time right after the first.
+  // second time right after the first. Rows go to the mean in pairs.
   void Smooth(const Cell& c, std::span<const Vertex> inner, std::span<const Vertex> outer) const {
-    enum : int { kOuter = 1, kInner = 2 };
+    if (k_ == 1) {  // the mean of one pixel only makes it opaque
+      for (int32_t y = c.y0; y < c.y1; ++y) {
+        const StarSpans row(c, y, inner, outer);
+        PixelWord* out = f_.rows.Out(y);
+        for (const RowBoxMean::Span s : row.Spans()) {  // a copy: the pixels may alias anything
+          for (int32_t x = s.begin; x < s.end; ++x) out[x] |= 0xFF000000u;
+        }
+      }
+      return;
+    }
     RowBoxMean mean(f_.rows, k_);
-    for (int32_t y = c.y0; y < c.y1; ++y) {
-      const RowCrossings in(inner, y), out(outer, y);
-      PairCuts cuts(in, out);
-      PixelWord* row = f_.rows.Out(y);
-      bool started = false;
-      ForEachRun(
-          c.x0, c.x1, cuts.Columns(),
-          [&](int32_t x) { return (out.Inside(x) ? kOuter : 0) | (in.Inside(x) ? kInner : 0); },
-          [&](int membership, int32_t begin, int32_t end) {
-            if (membership == 0) return;
-            if (k_ == 1) {  // the mean of one pixel only makes it opaque
-              for (int32_t x = begin; x < end; ++x) row[x] |= 0xFF000000u;
-              return;
-            }
-            if (!started) mean.StartRow(y, c.x0, c.x1);
-            started = true;
-            for (int32_t x = begin; x < end; ++x) {
-              if (membership & kOuter) mean.Replace(x);
-              if (membership & kInner) mean.Replace(x);
-            }
-          });
+    for (int32_t y = c.y0; y < c.y1; y += 2) {
+      const StarSpans first(c, y, inner, outer);
+      const StarSpans second = y + 1 < c.y1 ? StarSpans(c, y + 1, inner, outer) : StarSpans();
+      // The sums are kept over the columns the two rows' means read.
+      const int32_t begin = std::min(first.Begin(), second.Begin()), end = std::max(first.End(), second.End());
+      mean.ReplaceRowPair(y, begin, end, first.Spans(), second.Spans());
     }
   }
 

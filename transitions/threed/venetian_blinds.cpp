@@ -75,7 +75,7 @@ void BlurRows(const FrameRows& f, RowBoxMean& mean, int64_t first, int64_t end) 
   const Span rows = Within(first, end, f.height);
   for (int32_t y = rows.begin; y < rows.end; ++y) {
     mean.StartRow(y, 0, f.width);
-    for (int32_t x = f.width - 1; x >= 0; --x) mean.Replace(x);
+    mean.ReplaceRunDown(0, f.width);
   }
 }
 

@@ -1,11 +1,16 @@
 // Iris Round: the circle from the cell diagonal, the pen ring, and the soft
 // edges, checked pixel for pixel against the rule written out plainly, the
-// angle measured from the first cell's centre whatever the cell.
+// angle measured from the first cell's centre whatever the cell; the soft
+// edges' shortcuts (bounds on the softness, the mix in double) against the
+// plain rule where they decide and where they hand over.
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
 
 #include "pen_grid_support.h"
+#include "transitions/pengrid/soft_edge.h"
 
 namespace krl::test {
 namespace {
@@ -31,6 +36,56 @@ uint32_t Mixed(uint32_t from, uint32_t to, float f) {
     out |= uint32_t{static_cast<uint8_t>(static_cast<int32_t>(p + (q - p) * static_cast<long double>(f)))} << shift;
   }
   return out;
+}
+
+// The plain softness: (cos + sin) / 2 of the angle from the first cell's centre.
+long double PlainSoftness(int32_t centreX, int32_t centreY, int32_t x, int32_t y, int32_t cx) {
+  if (x == cx) return 0.5L;
+  const long double angle = std::atan(std::fabs(static_cast<long double>(centreY - y)) /
+                                      std::fabs(static_cast<long double>(centreX - x)));
+  return (std::cos(angle) + std::sin(angle)) * 0.5L;
+}
+
+TEST(IrisRound, SoftnessBoundsDecideAsTheSoftnessItself) {
+  const struct {
+    int32_t centreX, centreY, x, y, cx;
+  } pixels[] = {
+      {48, 30, 48, 10, 48},     // on the cell's centre column: 0.5
+      {48, 30, 48, 10, 144},    // on the first centre's column in another cell
+      {48, 30, 90, 30, 144},    // on the first centre's row
+      {48, 30, 70, 52, 48},     // at 45 degrees, the largest k
+      {48, 30, 5, 77, 48},      {320, 270, 1000, 900, 960}, {0, 0, 1, 1 << 20, 2},
+      {5, 1 << 27, 9, 3, 100},  // beyond the exact squares of the bounds
+  };
+  for (const auto& p : pixels) {
+    const long double k = PlainSoftness(p.centreX, p.centreY, p.x, p.y, p.cx);
+    // Far from k the bounds decide; at k, a step from it, or where (1 - k) + e
+    // lies on a midpoint between two floats, only k itself can.
+    const long double distances[] = {k, std::nextafter(k, 0.0L), std::nextafter(k, 1.0L), k - 0x1p-41L, k + 0x1p-41L,
+                                      k - 0x1p-30L, k + 0.01L, -0.3L, 0.9L,
+                                      0.75L + 0x1p-25L - (1 - k), 0.5L - 0x1p-26L - (1 - k), -0.75L - (1 - k)};
+    for (const long double e : distances) {
+      EXPECT_EQ(SoftnessBounds(p.centreX, p.centreY, p.x, p.y, p.cx).Exceeds(e), e < k) << p.x << "," << p.y;
+      const float plain = static_cast<float>((1 - k) + e);
+      const float mix = SoftnessBounds(p.centreX, p.centreY, p.x, p.y, p.cx).Mix(e);
+      EXPECT_EQ(std::memcmp(&plain, &mix, sizeof plain), 0) << p.x << "," << p.y << " mix " << mix << " for " << plain;
+    }
+  }
+}
+
+TEST(IrisRound, TheMixInDoubleIsTheMixInExtendedPrecision) {
+  // Within 2^-21 <= |f| <= 2 in double, elsewhere in extended precision.
+  const float factors[] = {0.0f,     1e-30f,    0x1.8p-50f, -0x1.8p-50f, 0x1.fffffep-22f, -0x1.fffffep-22f,
+                           0x1p-21f, -0x1p-21f, 0.3f,       0.5f,        0.99999994f,     -0.7f,
+                           1.0f,     2.0f,      2.5f,       1e6f};
+  std::srand(11);
+  for (const float f : factors) {
+    for (int i = 0; i < 200; ++i) {
+      const uint32_t from = static_cast<uint32_t>(std::rand()) << 16 ^ static_cast<uint32_t>(std::rand());
+      const uint32_t to = static_cast<uint32_t>(std::rand()) << 16 ^ static_cast<uint32_t>(std::rand());
+      ASSERT_EQ(EdgeBlend(from, to, f), Mixed(from, to, f)) << f << " " << from << " " << to;
+    }
+  }
 }
 
 // The soft rule pixel by pixel, for one frame of whole cells.
