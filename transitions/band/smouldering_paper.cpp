@@ -10,6 +10,8 @@
 // renders must not overlap. "TransType" exchanges the clips in locals only.
 // The record and the field are taken with malloc (the library is built
 // without exceptions or the C++ runtime) and freed by the deleter.
+#include <emmintrin.h>
+
 #include <cstdlib>
 #include <cstring>
 
@@ -261,15 +263,33 @@ int32_t SmoulderingPaperRender(t_KrRenderInfo* ri) {
 
   const FrameRows f{reinterpret_cast<const PixelWord*>(inputA), reinterpret_cast<const PixelWord*>(inputB),
                     reinterpret_cast<PixelWord*>(ri->Output), width, height};
+  // Four pixels at a time where all four lie off the rim (A above it, B
+  // below), one by one where any lies on it. Frames may lie at any address.
+  const __m128i aboveRim = _mm_set1_epi32(t + 1000), belowRim = _mm_set1_epi32(t - 1000);
   for (int32_t y = 0; y < height; ++y) {
     const uint16_t* heights = cache->Map + f.RowStart(y);
     const PixelWord* a = f.A(y);
     const PixelWord* b = f.B(y);
     PixelWord* out = f.Out(y);
-    for (int32_t x = 0; x < width; ++x) {
+    const auto one = [&](int32_t x) {
       const int32_t i = heights[x] - t + 1000;  // 0 at T - 1000, 2000 at T + 1000
       out[x] = i > 2000 ? a[x] : (i < 0 ? b[x] : rim.pixel[i]);
+    };
+    int32_t x = 0;
+    for (; x + 4 <= width; x += 4) {
+      const __m128i h = _mm_unpacklo_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(heights + x)),
+                                           _mm_setzero_si128());
+      const __m128i showsA = _mm_cmpgt_epi32(h, aboveRim), showsB = _mm_cmplt_epi32(h, belowRim);
+      if (_mm_movemask_epi8(_mm_or_si128(showsA, showsB)) != 0xFFFF) {
+        for (int32_t k = x; k < x + 4; ++k) one(k);
+        continue;
+      }
+      const __m128i fromA = _mm_loadu_si128(reinterpret_cast<const __m128i*>(a + x));
+      const __m128i fromB = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + x));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x),
+                       _mm_or_si128(_mm_and_si128(showsA, fromA), _mm_and_si128(showsB, fromB)));
     }
+    for (; x < width; ++x) one(x);
   }
   return 1;
 }
