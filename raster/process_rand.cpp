@@ -1,6 +1,8 @@
 // The process-wide rand() drawn in blocks (see process_rand.h).
 #include "raster/process_rand.h"
 
+#include <emmintrin.h>
+
 #include <cstdlib>
 #include <cstring>
 
@@ -60,10 +62,19 @@ ProcessRand::~ProcessRand() {
 int32_t ProcessRand::NextOfNewBlock() {
   if (libraryState_ == nullptr) return std::rand();
   std::memmove(words_, words_ + kBlock, kLag * sizeof(uint32_t));
-  // x[n - 3], x[n - 2], x[n - 1] ride in registers: a vectorised loop would
-  // store pairs of words that the next pair's load overlaps, and stall.
-  uint32_t back3 = words_[kLag - 3], back2 = words_[kLag - 2], back1 = words_[kLag - 1];
-  for (size_t i = kLag; i < kLag + kBlock; ++i) {
+  // Three words at a time: x[n .. n + 2] from x[n - 31 .. n - 29], long
+  // stored, and x[n - 3 .. n - 1], the last three formed, kept in a
+  // register. The fourth lane forms nothing of use; the word it stores is
+  // formed again by the next three.
+  __m128i recent = _mm_loadu_si128(reinterpret_cast<const __m128i*>(words_ + kLag - 3));
+  size_t i = kLag;
+  for (; i + 4 <= kLag + kBlock; i += 3) {
+    recent = _mm_add_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(words_ + i - kLag)), recent);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(words_ + i), recent);
+  }
+  // The last words one by one, x[n - 3 .. n - 1] in registers.
+  uint32_t back3 = words_[i - 3], back2 = words_[i - 2], back1 = words_[i - 1];
+  for (; i < kLag + kBlock; ++i) {
     const uint32_t x = words_[i - kLag] + back3;
     words_[i] = x;
     back3 = back2;
