@@ -5,8 +5,6 @@
 // the cloud of pixels moves smoothly instead of flickering.
 #include <emmintrin.h>
 
-#include <cstring>
-
 #include "host/transition.h"
 #include "host/render_prologue.h"
 #include "raster/frame.h"
@@ -160,9 +158,10 @@ int32_t ChaoticDissolveRender(t_KrRenderInfo* ri) {
   const float p = RoundToSingle(ri->Progress);
   const double spread = 4.0 * p * p * (1.0 - p) * (1.0 - p);
   const int32_t width = ri->Width, height = ri->Height;
-  const size_t pairsWidth = static_cast<size_t>(width) + 1;
-  const Scratch<int64_t> targets = AllocateScratch<int64_t>(pairsWidth);
-  const Scratch<uint32_t> faded = AllocateScratch<uint32_t>(pairsWidth);
+  // A row's room, one more than its width: an odd row's last pair forms a place past it.
+  const size_t room = static_cast<size_t>(width) + 1;
+  const Scratch<int64_t> targets = AllocateScratch<int64_t>(room);
+  const Scratch<uint32_t> faded = AllocateScratch<uint32_t>(room);
   if (!targets || !faded) return 1;  // no memory for a row: the background alone
 
   const Throw thrower(width, height, spread);
