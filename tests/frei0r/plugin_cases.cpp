@@ -55,7 +55,6 @@ Plugin::Plugin(const std::string& transition) {
   Find(handle_, "f0r_construct", &construct_);
   Find(handle_, "f0r_destruct", &destruct_);
   Find(handle_, "f0r_set_param_value", &set_);
-  Find(handle_, "f0r_get_param_value", &get_);
   Find(handle_, "f0r_update2", &update2_);
   Find(handle_, "f0r_deinit", &deinit_);
   decltype(&f0r_init) init = nullptr;
@@ -103,11 +102,5 @@ bool Plugin::Set(f0r_instance_t instance, const std::string& setting) const {
 }
 
 void Plugin::SetNumber(f0r_instance_t instance, int index, double value) const { set_(instance, &value, index); }
-
-double Plugin::GetNumber(f0r_instance_t instance, int index) const {
-  double value = -1.0;
-  get_(instance, &value, index);
-  return value;
-}
 
 }  // namespace krl::test

@@ -40,7 +40,6 @@ class Plugin {
   bool Set(f0r_instance_t instance, const std::string& setting) const;
   void SetNumber(f0r_instance_t instance, int index, double value) const;
   void SetColor(f0r_instance_t instance, int index, f0r_param_color_t color) const { set_(instance, &color, index); }
-  double GetNumber(f0r_instance_t instance, int index) const;
   void Update(f0r_instance_t instance, const uint32_t* a, const uint32_t* b, uint32_t* out) const {
     update2_(instance, 0.0, a, b, nullptr, out);
   }
@@ -53,7 +52,6 @@ class Plugin {
   decltype(&f0r_construct) construct_ = nullptr;
   decltype(&f0r_destruct) destruct_ = nullptr;
   decltype(&f0r_set_param_value) set_ = nullptr;
-  decltype(&f0r_get_param_value) get_ = nullptr;
   decltype(&f0r_update2) update2_ = nullptr;
   decltype(&f0r_deinit) deinit_ = nullptr;
 };
