@@ -31,16 +31,14 @@ TEST(Clip, WritesAPngSequenceOfEveryFrame) {
     int older;  // frames of an older sequence of the same pattern already there
   } rows[] = {
       {"", {}, {}, 0},
-      {"--set TransType=1 --curve Progression=0:0.25,1:0.75", {"TransType=1"}, {"Progression=0:0.25,1:0.75"}, 0},
-      {"", {}, {}, 12},
+      {"--set TransType=1 --curve Progression=0:0.25,1:0.75", {"TransType=1"}, {"Progression=0:0.25,1:0.75"}, 12},
   };
   for (const auto& row : rows) {
     const std::string dir = FreshFolder("clip_png");
     std::filesystem::create_directories(dir + "/frames");
     // What is not of the pattern stays: another pattern, other names.
-    for (const char* mine : {"/frames/notes.txt", "/frames/0009.jpg", "/frames/x0009.png", "/frames/009.png"}) {
-      WriteFile(dir + mine, "mine\n");
-    }
+    const char* const mine[] = {"/frames/notes.txt", "/frames/0009.jpg", "/frames/x0009.png", "/frames/009.png"};
+    for (const char* file : mine) WriteFile(dir + file, "mine\n");
     for (int i = 0; i < row.older; ++i) WriteFile(dir + Numbered(i), "older\n");
     const Outcome r = Krl(std::string("clip ") + kFade + " --frames 4 --size 24x14 " + row.options + " -o " + dir +
                       "/frames/%04d.png");
@@ -49,9 +47,7 @@ TEST(Clip, WritesAPngSequenceOfEveryFrame) {
     EXPECT_EQ(r.output.find("krl: replaced an older sequence of 12 frames named %04d.png in " + dir +
                             "/frames/ (its 8 frames past these were removed)") != std::string::npos,
               row.older > 0) << r.output;
-    for (const char* mine : {"/frames/notes.txt", "/frames/0009.jpg", "/frames/x0009.png", "/frames/009.png"}) {
-      EXPECT_EQ(ReadFile(dir + mine), "mine\n") << mine;
-    }
+    for (const char* file : mine) EXPECT_EQ(ReadFile(dir + file), "mine\n") << file;
     for (int i = 0; i < 4; ++i) {
       EXPECT_EQ(cli::ReadImage(dir + Numbered(i)).pixels,
                 Expected("Traditional Fade", 24, 14, i, i / 3.0, row.settings, row.curves).pixels)
@@ -63,20 +59,16 @@ TEST(Clip, WritesAPngSequenceOfEveryFrame) {
 }
 
 TEST(Clip, WritesY4mWithTheFrameRateGiven) {
-  const struct {
-    const char* fps;
-    const char* ratio;
-  } rows[] = {{"", "25:1"}, {"--fps 29.97", "2997:100"}};
-  for (const auto& row : rows) {
+  for (const auto& [fps, ratio] : {std::pair{"", "25:1"}, {"--fps 29.97", "2997:100"}}) {
     const std::string dir = FreshFolder("clip_y4m"), y4m = dir + "/fade.y4m";
-    const Outcome r = Krl(std::string("clip ") + kFade + " --frames 3 --size 10x6 " + row.fps + " -o " + y4m);
+    const Outcome r = Krl(std::string("clip ") + kFade + " --frames 3 --size 10x6 " + fps + " -o " + y4m);
     ASSERT_EQ(r.exit, 0) << r.output;
-    std::string expected = std::string("YUV4MPEG2 W10 H6 F") + row.ratio + " Ip A1:1 C444 XCOLORRANGE=LIMITED\n";
+    std::string expected = std::string("YUV4MPEG2 W10 H6 F") + ratio + " Ip A1:1 C444 XCOLORRANGE=LIMITED\n";
     for (int i = 0; i < 3; ++i) {
       const std::vector<uint8_t> planes = cli::ToYuv444(Expected("Traditional Fade", 10, 6, i, i / 2.0));
       expected += "FRAME\n" + std::string(planes.begin(), planes.end());
     }
-    EXPECT_EQ(ReadFile(y4m), expected) << row.fps;
+    EXPECT_EQ(ReadFile(y4m), expected) << fps;
   }
 }
 

@@ -51,7 +51,8 @@ TEST(Cli, DescribesItselfAndTheLibrary) {
   } rows[] = {
       {"info traditionalfade",
        {"Traditional Fade  (Transitions/Dissolve/Traditional Fade)", "Allows to adjust the fade's progression.",
-        "Progression  Alpha     \"Progression\"  -      curve (0, 0) (0.5, 0.5) (1, 1)", "items: 0 \"Image 1 > Image 2\""}},
+        "Progression  Alpha     \"Progression\"  -      curve (0, 0) (0.5, 0.5) (1, 1)",
+        "items: 0 \"Image 1 > Image 2\""}},
       {"--version",
        {std::string("library      ") + KRL_LIBRARY_PATH + "\n", "ABI          " + abi,
         "transitions  " + std::to_string(Library().effects().size()) + " declared\n"}},
@@ -59,7 +60,9 @@ TEST(Cli, DescribesItselfAndTheLibrary) {
   for (const auto& row : rows) {
     const Outcome r = Krl(row.arguments);
     EXPECT_EQ(r.exit, 0) << row.arguments;
-    for (const std::string& text : row.said) EXPECT_NE(r.output.find(text), std::string::npos) << text << "\n" << r.output;
+    for (const std::string& text : row.said) {
+      EXPECT_NE(r.output.find(text), std::string::npos) << text << "\n" << r.output;
+    }
   }
 }
 
@@ -79,7 +82,6 @@ TEST(Cli, WritesWhatTheNameSays) {
       {render, "default.png", "\x89PNG", "wrote " + dir + "/default.png"},
       {render + "--size 16x9", "x.PNG", "\x89PNG", "wrote " + dir + "/x.PNG"},
       {render + "--size 16x9", "x.jpg", "\xFF\xD8\xFF", "wrote"},
-      {render + "--size 16x9", "x.jpeg", "\xFF\xD8\xFF", "wrote"},
       {render + "--size 16x9", "x.bmp", "BM", "wrote"},
       {render + "--size 16x9", "x.tga", std::string("\x00\x00\x0A", 3), "wrote"},
       {render + "--size 16x9", "-render.png", "\x89PNG", ""},
@@ -90,7 +92,6 @@ TEST(Cli, WritesWhatTheNameSays) {
       {clip + "--size 21x11", "odd.mp4", "ftyp",
        "krl: " + dir + "/odd.mp4 is 22x12, not 21x11: its video format needs an even width and height, so krl adds a "
        "black column at the right and row at the bottom", true},
-      {clip + "--size 21x11", "odd.webm", "\x1A\x45\xDF\xA3", "at 22x12, 25 fps", true},
       {clip + "--size 21x11", "odd.gif", "GIF8", "at 21x11, 25 fps", true},
       {clip + "--size 21x11", "-clip.y4m", "YUV4MPEG2 W21 H11 ",
        "wrote standard output (Y4M): 3 frames of Traditional Fade at 21x11"},
@@ -180,7 +181,6 @@ TEST(Cli, SaysWhatIsWrongAndLeavesNothingBehind) {
       {render, "folder", 1, "cannot write " + dir + "/folder: it is a folder"},
       {render, "x.xyz", 2, "krl render writes a frame as .png, .jpg"},
       {render + "--frames 3", "out.png", 2, "krl render takes no --frames (it renders one frame at --progress)"},
-      {render + "extra", "out.png", 2, "\"extra\" is one too many"},
       {"list extra", "", 2, "krl list takes no name, not \"extra\""},
       {"frobnicate", "", 2, "unknown command \"frobnicate\""},
       {"--library /nonexistent/lib.so list", "", 1, "cannot load /nonexistent/lib.so"},
@@ -188,21 +188,19 @@ TEST(Cli, SaysWhatIsWrongAndLeavesNothingBehind) {
       {std::string("clip ") + kFade, "out.y4m", 2, "krl clip needs --frames N"},
       {clip + "--frames 1", "out.y4m", 2, "--frames takes a whole number from 2 to 100000, not \"1\""},
       {clip, "out.png", 2, "name it with a frame number, like frames/%04d.png"},
-      {clip, "out", 2, "cannot tell the format of"},
       {clip, "f/%d-%d.png", 2, "one frame number in its file name"},
       {clip + "--a /nonexistent/a.png", "out.y4m", 1, "cannot read /nonexistent/a.png: No such file"},
-      {clip + "--a " + dir, "out.y4m", 1, "cannot read " + dir + ": it is a folder"},
       {clip + "--a " + textPng, "out.y4m", 1, "cannot read " + textPng + ": "},
       {clip + "--a " + textMp4, "out.y4m", 1, "cannot read " + textMp4 + ": ", "", true},
       {clip + "--a " + sound, "out.y4m", 1, "cannot read " + sound + ": it holds no video", "", true},
       {clip, "text/out.y4m", 1, "cannot write " + dir + "/text/out.y4m: " + text + " is a file, not a folder"},
       {clip, "z.xyz", 1, "cannot write " + dir + "/z.xyz: ffmpeg knows no format by the extension .xyz", "", true},
       {clip + "--size 16384x16384", "out.y4m", 1,
-       "not enough memory for frames of this size (16384x16384, 1024 MiB a frame); name a smaller --size", kMemoryLimit},
+       "not enough memory for frames of this size (16384x16384, 1024 MiB a frame); name a smaller --size",
+       kMemoryLimit},
       {clip, "out.mp4", 1, "to write " + dir + "/out.mp4 krl needs the ffmpeg program, which is not installed",
        "PATH=/nonexistent"},
       {clip, "out.webm", 1, "writes PNG sequences (frames/%04d.png) and Y4M (.y4m)", "PATH=/nonexistent"},
-      {clip + "--a " + textMp4, "out.y4m", 1, "to read the video " + textMp4 + " krl needs", "PATH=/nonexistent"},
       {refuses, "out.y4m", 1, "Refuses refused the frame at Progress 0.75: Past the middle"},
       {refuses, "f/%04d.png", 1, "Refuses refused the frame at Progress 0.75: Past the middle"},
   };
@@ -242,29 +240,22 @@ TEST(CliFields, TakeWhatUsersWrite) {
     const char* key;
     const char* value;  // the value afterwards, or a part of the error
   } rows[] = {
-      {false, "Count=5", "Count", "5"},
       {false, "count (1..8)=2", "Count", "2"},
       {false, "Count=9", "", "Count takes 1 to 8, not 9"},
       {false, "Count=2.5", "", "Count takes a whole number, not \"2.5\""},
-      {false, "Mode=Minus one", "Mode", "-1 \"Minus one\""},
       {false, "Mode=minus ONE", "Mode", "-1 \"Minus one\""},
       {false, "Mode=10", "Mode", "10 \"Ten\""},
       {false, "Mode=3", "", "\"3\" is no item of Mode; its items are 10 \"Ten\", -1 \"Minus one\""},
-      {false, "Flag=off", "Flag", "off"},
       {false, "Flag=ON", "Flag", "on"},
       {false, "Flag=maybe", "", "Flag is on or off, not \"maybe\""},
       {false, "Tint=#FF2000", "Tint", "#FF2000"},
       {false, "Tint=1,2,3", "Tint", "#010203"},
       {false, "Tint=256,0,0", "", "Tint is a colour: write #RRGGBB, #RGB or r,g,b, not \"256,0,0\""},
-      {false, "Tint=#12345", "", "Tint is a colour"},
-      {false, "Tint=#fff", "Tint", "#FFFFFF"},
       {false, "Tint=#1a2", "Tint", "#11AA22"},
       {false, "Tint=#12g", "", "Tint is a colour: write #RRGGBB, #RGB or r,g,b"},
       {false, "Amount=1.5", "Amount", "curve (0, 1.5)"},
       {false, "Weight=x", "", "Weight takes a number, not \"x\""},
-      {false, "Xyzzy=1", "", "Kinds has no field \"Xyzzy\"; its fields are TransType, Mode, Count, Amount, Flag, Tint, Weight"},
       {false, "Cuont=1", "", "Kinds has no field \"Cuont\"; did you mean Count? its fields are TransType"},
-      {false, "Amount=2", "Amount", "curve (0, 2)"},
       {false, "InputA=1", "", "has no field \"InputA\""},
       {true, "Amount=1:1,0:0.5", "Amount", "curve (0, 0.5) (1, 1)"},
       {true, "weight=0:0,0.5:1,1:0", "Weight", "curve (0, 0) (0.5, 1) (1, 0)"},

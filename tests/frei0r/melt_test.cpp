@@ -17,21 +17,6 @@ namespace {
 constexpr int32_t kWidth = 86, kHeight = 50;  // no multiple of 8
 constexpr int kFrames = 13;
 
-// Skips with the reason when melt cannot run these plug-ins here.
-bool MeltCanRunThePlugins(std::string* why) {
-#if !defined(__x86_64__)
-  *why = "melt is a 64-bit program: it loads the x86-64 plug-ins, which the x64 build tests";
-  return false;
-#elif defined(KRL_SANITIZED)
-  *why = "melt cannot load plug-ins built with sanitizers; the x64 build runs this test";
-  return false;
-#else
-  if (Shell("command -v melt").exit == 0) return true;
-  *why = "melt is not installed (scripts/setup.sh installs it): the plug-ins were not tried in melt";
-  return false;
-#endif
-}
-
 std::string Quote(const std::string& text) { return "'" + text + "'"; }
 
 std::string Melt(const std::string& arguments) {
@@ -44,7 +29,6 @@ std::string FrameFile(const std::string& dir, char prefix, int number) {
   std::snprintf(name, sizeof name, "/%c%04d.png", prefix, number);
   return dir + name;
 }
-
 
 // A profile of kWidth x kHeight square pixels, 25 frames a second.
 std::string WriteProfile(const std::string& dir) {
@@ -70,20 +54,15 @@ Outcome RunMelt(const std::string& arguments, const std::string& lastFrame) {
   return run;
 }
 
-TEST(Frei0rInMelt, ListsEveryPluginAndRendersKrlsFrames) {
-  std::string why;
-  if (!MeltCanRunThePlugins(&why)) GTEST_SKIP() << why;
-  const Outcome list = Shell(Melt("-query transitions"));
-  ASSERT_EQ(list.exit, 0) << list.output;
-  for (const emu::DeclaredEffect& effect : Library().effects()) {
-    const std::string file = std::filesystem::path(PluginPath(effect.DisplayName())).stem().string();
-    EXPECT_NE(list.output.find("frei0r." + file + "\n"), std::string::npos) << file << " is not listed";
+TEST(Frei0rInMelt, EveryFrameEqualsKrlsFrame) {
+#if !defined(__x86_64__)
+  GTEST_SKIP() << "melt is a 64-bit program: it loads the x86-64 plug-ins, which the x64 build tests";
+#elif defined(KRL_SANITIZED)
+  GTEST_SKIP() << "melt cannot load plug-ins built with sanitizers; the x64 build runs this test";
+#endif
+  if (Shell("command -v melt").exit != 0) {
+    GTEST_SKIP() << "melt is not installed (scripts/setup.sh installs it): the plug-ins were not tried in melt";
   }
-  const Outcome wipe = Shell(Melt("-query transition=frei0r.krl_wipe"));
-  for (const char* title : {"title: progress", "title: Direction", "title: Pen Color", "type: color"}) {
-    EXPECT_NE(wipe.output.find(title), std::string::npos) << title << " in\n" << wipe.output;
-  }
-
   const std::string dir = FreshFolder("frei0r_melt"), meltFrames = dir + "/melt";
   cli::WritePng(emu::SampleClipA(kWidth, kHeight), dir + "/a.png");
   cli::WritePng(emu::SampleClipB(kWidth, kHeight), dir + "/b.png");

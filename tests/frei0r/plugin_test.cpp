@@ -36,15 +36,15 @@ TEST(Frei0rPlugin, EveryCaseRendersAsTheEmulatorDoesTheRightWayUp) {
     for (const PluginCase& c : PluginCases()) {
       plugins.push_back(std::make_unique<Plugin>(c.transition));
       ASSERT_TRUE(plugins.back()->ok()) << PluginPath(c.transition);
-      instances.push_back(plugins.back()->Construct(width, height));
-      for (const std::string& setting : c.frei0r) EXPECT_TRUE(plugins.back()->Set(instances.back(), setting)) << setting;
+      instances.push_back(plugins.back()->construct(width, height));
+      for (const std::string& s : c.frei0r) EXPECT_TRUE(plugins.back()->Set(instances.back(), s)) << s;
       plugins.back()->SetNumber(instances.back(), 0, progress);
     }
     for (size_t k = 0; k < instances.size(); ++k) {
       const PluginCase& c = PluginCases()[k];
       std::vector<uint32_t> out(a.size(), 0xDEADBEEF);
-      plugins[k]->Update(instances[k], a.data(), b.data(), out.data());
-      plugins[k]->Destruct(instances[k]);
+      plugins[k]->update2(instances[k], 0.0, a.data(), b.data(), nullptr, out.data());
+      plugins[k]->destruct(instances[k]);
       EXPECT_TRUE(out == Frei0rFrame(Expected(c.transition, width, height, 0, progress, c.krl)))
           << c.transition << " " << testing::PrintToString(c.frei0r) << " at " << width << "x" << height
           << " Progress " << progress;
@@ -73,36 +73,29 @@ TEST(Frei0rPlugin, EveryDeclaredTransitionHasAPluginWithItsFieldsAsParameters) {
 TEST(Frei0rPlugin, OddArgumentsNeitherCrashNorTouchAnythingOutsideTheFrames) {
   Plugin plugin("Iris Star");
   ASSERT_TRUE(plugin.ok());
-  f0r_instance_t instance = plugin.Construct(9, 5);
-  const double kOdd[] = {std::numeric_limits<double>::quiet_NaN(), -1e300, 1e300,
-                         std::numeric_limits<double>::infinity(), -0.0};
-  for (int i = 0; i < plugin.Info().num_params; ++i) {
-    for (double v : kOdd) {
-      if (plugin.ParamInfo(i).type != F0R_PARAM_COLOR) {
-        plugin.SetNumber(instance, i, v);
-        continue;
-      }
+  f0r_instance_t instance = plugin.construct(9, 5);
+  for (int i = -1; i <= plugin.Info().num_params; ++i) {  // indices past both ends too
+    for (const double v : {std::numeric_limits<double>::quiet_NaN(), -1e300, 1e300, HUGE_VAL, -0.0}) {
       const float f = static_cast<float>(v);
-      const f0r_param_color_t color{f, -f, f};
-      plugin.SetColor(instance, i, color);
+      f0r_param_color_t color{f, -f, f};
+      const bool isColor = i >= 0 && i < plugin.Info().num_params && plugin.ParamInfo(i).type == F0R_PARAM_COLOR;
+      isColor ? plugin.set(instance, &color, i) : plugin.SetNumber(instance, i, v);
     }
   }
-  plugin.SetNumber(instance, 99, 0.5);
-  plugin.SetNumber(instance, -1, 0.5);
   const auto a = Frei0rFrame(emu::SampleClipA(9, 5));
   std::vector<uint32_t> out(a.size() + 2, 0x5A5A5A5A);
-  plugin.Update(instance, a.data(), a.data(), out.data() + 1);
-  plugin.Update(instance, nullptr, a.data(), out.data() + 1);
+  plugin.update2(instance, 0.0, a.data(), a.data(), nullptr, out.data() + 1);
+  plugin.update2(instance, 0.0, nullptr, a.data(), nullptr, out.data() + 1);
   EXPECT_EQ(out.front(), 0x5A5A5A5Au);
   EXPECT_EQ(out.back(), 0x5A5A5A5Au);
-  plugin.Destruct(instance);
+  plugin.destruct(instance);
   // A frame of nothing, and one too large for the library's sizes.
-  f0r_instance_t empty = plugin.Construct(0, 0);
-  plugin.Update(empty, a.data(), a.data(), out.data());
-  plugin.Destruct(empty);
-  EXPECT_EQ(plugin.Construct(1u << 31, 1u << 31), nullptr);
-  plugin.Update(nullptr, a.data(), a.data(), out.data());
-  plugin.Destruct(nullptr);
+  f0r_instance_t empty = plugin.construct(0, 0);
+  plugin.update2(empty, 0.0, a.data(), a.data(), nullptr, out.data());
+  plugin.destruct(empty);
+  EXPECT_EQ(plugin.construct(1u << 31, 1u << 31), nullptr);
+  plugin.update2(nullptr, 0.0, a.data(), a.data(), nullptr, out.data());
+  plugin.destruct(nullptr);
 }
 
 TEST(Frei0rPlugin, OnlyTheFrei0rFunctionsAreExported) {
