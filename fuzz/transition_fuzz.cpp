@@ -26,21 +26,10 @@ namespace {
 krl::emu::Host* gHost = nullptr;
 
 double AnyProgress(FuzzedDataProvider& in) {
-  static const double kSpecial[] = {0.0,
-                                    1.0,
-                                    0.5,
-                                    std::nextafter(0.0, 1.0),
-                                    std::nextafter(1.0, 0.0),
-                                    std::nextafter(1.0, 2.0),
-                                    -std::numeric_limits<double>::denorm_min(),
-                                    -0.0,
-                                    -1.0,
-                                    2.0,
-                                    1e300,
-                                    -1e300,
-                                    std::numeric_limits<double>::quiet_NaN(),
-                                    std::numeric_limits<double>::infinity(),
-                                    -std::numeric_limits<double>::infinity()};
+  using limits = std::numeric_limits<double>;
+  static const double kSpecial[] = {0.0, 1.0, 0.5, std::nextafter(0.0, 1.0), std::nextafter(1.0, 0.0),
+                                    std::nextafter(1.0, 2.0), -limits::denorm_min(), -0.0, -1.0, 2.0, 1e300, -1e300,
+                                    limits::quiet_NaN(), limits::infinity(), -limits::infinity()};
   switch (in.ConsumeIntegralInRange(0, 2)) {
     case 0: return in.PickValueInArray(kSpecial);
     case 1: return in.ConsumeProbability<double>();
@@ -91,9 +80,9 @@ krl::emu::HostConditions AnyConditions(FuzzedDataProvider& in) {
   return c;
 }
 
-// A frame of exactly w x h pixels, so any byte read or written beyond it is
-// caught; its content is cut from a noise picture at an offset of the input's choosing.
-// `at` bytes into its block (0 to 3: frames may lie at any address).
+// A frame of exactly w x h pixels `at` bytes into its block (0 to 3: frames
+// may lie at any address), so any byte read or written beyond it is caught;
+// its content is cut from a noise picture at an offset of the input's choosing.
 std::vector<uint8_t> AnyFrame(int32_t w, int32_t h, size_t offset, size_t at = 0) {
   static const std::vector<uint8_t> kNoise = [] {
     std::vector<uint8_t> noise(2 * 300 * 300 * 4);

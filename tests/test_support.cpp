@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <fstream>
@@ -76,14 +75,6 @@ std::vector<std::string> StatementsOf(const emu::Host& host, const emu::Declared
 
 emu::Frame Filled(int32_t w, int32_t h, uint32_t pixel) { return emu::Frame(w, h, pixel); }
 
-namespace {
-std::vector<std::string> Lines(std::istream& in) {
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
-  return lines;
-}
-}  // namespace
-
 void ExpectGolden(const std::string& file, const std::string& content) {
   const std::string path = std::string(KRL_GOLDEN_DIR) + "/" + file;
   if (std::getenv("KRL_UPDATE_GOLDEN") != nullptr) {
@@ -93,15 +84,13 @@ void ExpectGolden(const std::string& file, const std::string& content) {
   std::ifstream in(path);
   ASSERT_TRUE(in.good()) << "no golden file " << path << " (write it with KRL_UPDATE_GOLDEN=1)";
   std::istringstream now(content);
-  const std::vector<std::string> recorded = Lines(in), rendered = Lines(now);
-  int reported = 0;
-  for (size_t i = 0; i < std::max(recorded.size(), rendered.size()) && reported < 20; ++i) {
-    const std::string was = i < recorded.size() ? recorded[i] : "(nothing)";
-    const std::string is = i < rendered.size() ? rendered[i] : "(nothing)";
-    if (was != is) {
-      ADD_FAILURE() << file << " line " << i + 1 << " changed\n  recorded: " << was << "\n  now:      " << is;
-      ++reported;
-    }
+  std::string was, is;
+  for (int line = 1, reported = 0; (in || now) && reported < 20; ++line) {
+    if (!std::getline(in, was)) was = "(nothing)";
+    if (!std::getline(now, is)) is = "(nothing)";
+    if (was == is) continue;
+    ADD_FAILURE() << file << " line " << line << " changed\n  recorded: " << was << "\n  now:      " << is;
+    ++reported;
   }
 }
 

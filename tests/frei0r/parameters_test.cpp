@@ -16,65 +16,34 @@ namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-emu::DeclaredField LongField(double low, double high) {
-  emu::DeclaredField f;
-  f.kind = "Long";
-  f.hasRange = true;
-  f.minimum = low;
-  f.maximum = high;
-  return f;
-}
-
-TEST(Frei0rParameters, NumbersTakeTheNearestStepHeldToTheRange) {
-  const emu::DeclaredField pens = LongField(1, 8), wide = LongField(-2147483648.0, 2147483647.0);
-  const struct {
-    double x;
-    int32_t pens;     // 1..8
-    int32_t wide;     // the whole 32-bit range
-  } kCases[] = {
-      {0.0, 1, INT32_MIN}, {1.0, 8, INT32_MAX}, {0.5, 5, 0},  // a half rounds up: 1 + 3.5 -> 5
-      {0.49, 4, -42949673}, {-3.0, 1, INT32_MIN}, {7.0, 8, INT32_MAX}, {kNaN, 1, INT32_MIN},
-      {std::numeric_limits<double>::infinity(), 8, INT32_MAX},
-  };
-  for (const auto& c : kCases) {
-    EXPECT_EQ(LongValue(pens, c.x), c.pens) << c.x;
-    EXPECT_EQ(LongValue(wide, c.x), c.wide) << c.x;
-  }
-}
-
-TEST(Frei0rParameters, SelectorsSpreadTheirItemsEvenly) {
-  emu::DeclaredField f;
-  f.kind = "Selector";
-  f.items = {{"Left > Right", "", 10}, {"Right > Left", "", 20}, {"Top > Bottom", "", 30}, {"Bottom > Top", "", 40}};
-  const struct {
-    double x;
-    int32_t value;
-  } kCases[] = {{0.0, 10}, {1.0 / 6 - 1e-9, 10}, {1.0 / 6, 20}, {1.0 / 3, 20}, {0.6667, 30}, {1.0, 40},
-                {2.0, 40}, {-1.0, 10}, {kNaN, 10}};
-  for (const auto& c : kCases) EXPECT_EQ(SelectorValue(f, c.x), c.value) << c.x;
-  f.items.clear();
-  EXPECT_EQ(SelectorValue(f, 0.5), 0);
-}
-
-TEST(Frei0rParameters, BooleansColoursAndCurves) {
-  EXPECT_FALSE(BoolValue(0.49));
-  EXPECT_TRUE(BoolValue(0.5));
-  EXPECT_FALSE(BoolValue(kNaN));
-  const KrColor c = ColorValue({1.0f, 0.5f, std::nanf("")});
-  EXPECT_EQ(c.Red, 255);
-  EXPECT_EQ(c.Green, 128);
-  EXPECT_EQ(c.Blue, 0);
-  EXPECT_EQ(c.Alpha, 255);
-  EXPECT_EQ(ColorValue({-2.0f, 9.0f, 0.0f}).Green, 255);
-  emu::DeclaredField free;  // a curve without a range takes 0..1 as it is
-  free.kind = "Alpha";
-  EXPECT_EQ(CurveValue(free, 0.3), 0.3);
-  emu::DeclaredField ranged = free;
-  ranged.hasRange = true;
+// The nearest steps themselves are the plug-in cases' settings (3 of 1..8,
+// a half of 1..30000 rounding up, ...); here the values a host should not send.
+TEST(Frei0rParameters, ValuesOutsideZeroToOneAreHeldToItAndNaNReadsAsZero) {
+  emu::DeclaredField pens, wide, selector, ranged;
+  pens.kind = wide.kind = "Long";
+  pens.hasRange = wide.hasRange = ranged.hasRange = true;
+  pens.minimum = 1;
+  pens.maximum = 8;
+  wide.minimum = -2147483648.0;
+  wide.maximum = 2147483647.0;
+  selector.kind = "Selector";
+  selector.items = {{"Left > Right", "", 10}, {"Right > Left", "", 20}, {"Top > Bottom", "", 30}};
+  ranged.kind = "Alpha";
   ranged.minimum = -255;
   ranged.maximum = 255;
-  EXPECT_EQ(CurveValue(ranged, 0.5), 0.0);
-  EXPECT_EQ(CurveValue(ranged, kNaN), -255.0);
+  for (const auto& [x, high] : {std::pair{kNaN, false}, {-3.0, false}, {-HUGE_VAL, false}, {0.0, false}, {1.0, true},
+                                {7.0, true}, {HUGE_VAL, true}}) {
+    EXPECT_EQ(LongValue(pens, x), high ? 8 : 1) << x;
+    EXPECT_EQ(LongValue(wide, x), high ? INT32_MAX : INT32_MIN) << x;
+    EXPECT_EQ(SelectorValue(selector, x), high ? 30 : 10) << x;
+    EXPECT_EQ(BoolValue(x), high) << x;
+    EXPECT_EQ(CurveValue(ranged, x), high ? 255.0 : -255.0) << x;
+  }
+  selector.items.clear();
+  EXPECT_EQ(SelectorValue(selector, 0.5), 0);
+  const KrColor c = ColorValue({1.0f, 0.5f, std::nanf("")});
+  EXPECT_EQ((std::vector<int>{c.Red, c.Green, c.Blue, c.Alpha}), (std::vector<int>{255, 128, 0, 255}));
+  EXPECT_EQ(ColorValue({-2.0f, 9.0f, 0.0f}).Green, 255);
 }
 
 // A host sets every parameter to the default it was told: the instance must

@@ -48,66 +48,52 @@ static void Find(void* handle, const char* name, Function* out) {
 }
 
 Plugin::Plugin(const std::string& transition) {
-  handle_ = dlopen(PluginPath(transition).c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (handle_ == nullptr) return;
-  Find(handle_, "f0r_get_plugin_info", &info_);
-  Find(handle_, "f0r_get_param_info", &paramInfo_);
-  Find(handle_, "f0r_construct", &construct_);
-  Find(handle_, "f0r_destruct", &destruct_);
-  Find(handle_, "f0r_set_param_value", &set_);
-  Find(handle_, "f0r_get_param_value", &get_);
-  Find(handle_, "f0r_update2", &update2_);
-  Find(handle_, "f0r_deinit", &deinit_);
+  handle = dlopen(PluginPath(transition).c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (handle == nullptr) return;
+  Find(handle, "f0r_get_plugin_info", &info);
+  Find(handle, "f0r_get_param_info", &paramInfo);
+  Find(handle, "f0r_construct", &construct);
+  Find(handle, "f0r_destruct", &destruct);
+  Find(handle, "f0r_set_param_value", &set);
+  Find(handle, "f0r_update2", &update2);
+  Find(handle, "f0r_deinit", &deinit);
   decltype(&f0r_init) init = nullptr;
-  Find(handle_, "f0r_init", &init);
-  initResult_ = init != nullptr ? init() : 0;
+  Find(handle, "f0r_init", &init);
+  initResult = init != nullptr ? init() : 0;
 }
 
 Plugin::~Plugin() {
-  if (handle_ == nullptr) return;
-  if (deinit_ != nullptr) deinit_();
-  dlclose(handle_);
+  if (handle == nullptr) return;
+  if (deinit != nullptr) deinit();
+  dlclose(handle);
 }
 
 f0r_plugin_info_t Plugin::Info() const {
-  f0r_plugin_info_t info{};
-  info_(&info);
-  return info;
+  f0r_plugin_info_t value{};
+  info(&value);
+  return value;
 }
 
 f0r_param_info_t Plugin::ParamInfo(int index) const {
-  f0r_param_info_t info{};
-  paramInfo_(&info, index);
-  return info;
-}
-
-int Plugin::ParamIndex(const std::string& name) const {
-  for (int i = 0; i < Info().num_params; ++i) {
-    if (name == ParamInfo(i).name) return i;
-  }
-  return -1;
+  f0r_param_info_t value{};
+  paramInfo(&value, index);
+  return value;
 }
 
 bool Plugin::Set(f0r_instance_t instance, const std::string& setting) const {
   const size_t eq = setting.find('=');
-  const int index = ParamIndex(setting.substr(0, eq));
+  int index = Info().num_params - 1;
+  while (index >= 0 && setting.substr(0, eq) != ParamInfo(index).name) --index;
   if (index < 0) return false;
   const std::string value = setting.substr(eq + 1);
   unsigned r = 0, g = 0, b = 0;
   if (ParamInfo(index).type == F0R_PARAM_COLOR && std::sscanf(value.c_str(), "#%2x%2x%2x", &r, &g, &b) == 3) {
-    SetColor(instance, index, {r / 255.0f, g / 255.0f, b / 255.0f});
+    f0r_param_color_t color{r / 255.0f, g / 255.0f, b / 255.0f};
+    set(instance, &color, index);
   } else {
     SetNumber(instance, index, std::strtod(value.c_str(), nullptr));
   }
   return true;
-}
-
-void Plugin::SetNumber(f0r_instance_t instance, int index, double value) const { set_(instance, &value, index); }
-
-double Plugin::GetNumber(f0r_instance_t instance, int index) const {
-  double value = -1.0;
-  get_(instance, &value, index);
-  return value;
 }
 
 }  // namespace krl::test

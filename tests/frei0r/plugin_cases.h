@@ -22,40 +22,30 @@ const std::vector<PluginCase>& PluginCases();
 // krl_<display name in lower case, words joined by _>.so in the build's frei0r folder.
 std::string PluginPath(const std::string& transition);
 
-// A plug-in opened with dlopen and initialised; closed again at the end.
-class Plugin {
- public:
+// A plug-in opened with dlopen and initialised as a host does it, closed
+// again at the end; its functions are called as a host calls them.
+struct Plugin {
   explicit Plugin(const std::string& transition);
   ~Plugin();
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
-  bool ok() const { return handle_ != nullptr && initResult_ == 1; }
+  bool ok() const { return handle != nullptr && initResult == 1; }
   f0r_plugin_info_t Info() const;
   f0r_param_info_t ParamInfo(int index) const;
-  int ParamIndex(const std::string& name) const;  // -1 when it has none of that name
-  f0r_instance_t Construct(unsigned width, unsigned height) const { return construct_(width, height); }
-  void Destruct(f0r_instance_t instance) const { destruct_(instance); }
   // Sets "Label=value" as a host does (see PluginCase); false for an unknown label.
   bool Set(f0r_instance_t instance, const std::string& setting) const;
-  void SetNumber(f0r_instance_t instance, int index, double value) const;
-  void SetColor(f0r_instance_t instance, int index, f0r_param_color_t color) const { set_(instance, &color, index); }
-  double GetNumber(f0r_instance_t instance, int index) const;
-  void Update(f0r_instance_t instance, const uint32_t* a, const uint32_t* b, uint32_t* out) const {
-    update2_(instance, 0.0, a, b, nullptr, out);
-  }
+  void SetNumber(f0r_instance_t instance, int index, double value) const { set(instance, &value, index); }
 
- private:
-  void* handle_ = nullptr;
-  int initResult_ = 0;
-  decltype(&f0r_get_plugin_info) info_ = nullptr;
-  decltype(&f0r_get_param_info) paramInfo_ = nullptr;
-  decltype(&f0r_construct) construct_ = nullptr;
-  decltype(&f0r_destruct) destruct_ = nullptr;
-  decltype(&f0r_set_param_value) set_ = nullptr;
-  decltype(&f0r_get_param_value) get_ = nullptr;
-  decltype(&f0r_update2) update2_ = nullptr;
-  decltype(&f0r_deinit) deinit_ = nullptr;
+  void* handle = nullptr;
+  int initResult = 0;
+  decltype(&f0r_get_plugin_info) info = nullptr;
+  decltype(&f0r_get_param_info) paramInfo = nullptr;
+  decltype(&f0r_construct) construct = nullptr;
+  decltype(&f0r_destruct) destruct = nullptr;
+  decltype(&f0r_set_param_value) set = nullptr;
+  decltype(&f0r_update2) update2 = nullptr;
+  decltype(&f0r_deinit) deinit = nullptr;
 };
 
 }  // namespace krl::test
