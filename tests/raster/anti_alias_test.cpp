@@ -49,28 +49,6 @@ struct Frames {
   }
 };
 
-TEST(EdgeBlenders, WalksThatDrawNothing) {
-  const struct {
-    const char* what;
-    int32_t x0, y0, x1, y1, mode;
-  } cases[] = {
-      {"a vertical edge", 3, 0, 3, 7, 0},
-      {"a single point", 4, 4, 4, 4, 1},
-      {"mode 3", 0, 0, 7, 5, 3},
-      {"a negative mode", 0, 0, 5, 7, -1},
-      {"a walk away from the blender's side", 6, 0, 1, 3, 0},
-  };
-  for (const auto& c : cases) {
-    for (int i = 0; i < 4; ++i) {
-      Frames f(8, 8);
-      // Each blender walks from x0 toward its own side: give it that side.
-      const bool leftward = i >= 2;
-      f.Run(kBlenders[i], leftward ? 7 - c.x0 : c.x0, c.y0, leftward ? 7 - c.x1 : c.x1, c.y1, c.mode);
-      EXPECT_EQ(f.ChangedRows(), std::vector<int32_t>{}) << c.what << ", AntiAlias" << i + 1;
-    }
-  }
-}
-
 // inv = 0.5 / sqrt(5) as a single = 0.2236068; D = -2 inv at the first step
 // (t = -2), 0 at the second. Weights: main (4 inv - D) x 0.6666667, side -D x 0.6666667:
 //   step 1: main 0.8944272, side 0.2981424; step 2: main 0.5962848, side 0.
@@ -105,27 +83,34 @@ TEST(EdgeBlenders, BytesOfAFlatAndASteepEdge) {
   EXPECT_EQ(steep.ChangedRows(), std::vector<int32_t>{1}) << "the walk stops with the column, before row 2";
 }
 
-TEST(EdgeBlenders, RowsAreHeldAtTheFrameAndNeighboursAtTheirLimits) {
+TEST(EdgeBlenders, WalksThatDrawNothingRowsHeldAtTheFrameAndNeighboursAtTheirLimits) {
   const struct {
     const char* what;
     int blender;
-    int32_t x0, y0, x1, y1, minRow;
+    int32_t x0, y0, x1, y1, mode, minRow;
     std::vector<int32_t> rows;  // the rows written in a 7 x 3 frame (7 x 5 with a minRow)
   } cases[] = {
-      {"main pixels held in row 2, neighbours in row 1", 1, 0, 2, 6, 5, 0, {1, 2}},
-      {"the same walking left", 3, 6, 2, 0, 5, 0, {1, 2}},
-      {"held at row 0, neighbours in row 1", 2, 0, 0, 6, -3, 0, {0, 1}},
-      {"the same walking left", 4, 6, 0, 0, -3, 0, {0, 1}},
-      {"steep: every step ends in row 2", 1, 0, 1, 3, 30, 0, {2}},
+      // Each blender walks from x0 toward its own side (AntiAlias3 and 4 leftward).
+      {"a vertical edge", 1, 3, 0, 3, 7, 0, 0, {}},
+      {"a single point", 2, 4, 1, 4, 1, 1, 0, {}},
+      {"mode 3", 3, 6, 0, 0, 2, 3, 0, {}},
+      {"a negative mode", 4, 6, 2, 0, 0, -1, 0, {}},
+      {"a walk away from the blender's side", 1, 6, 0, 1, 2, 0, 0, {}},
+      {"the same leftward", 3, 1, 0, 6, 2, 0, 0, {}},
+      {"main pixels held in row 2, neighbours in row 1", 1, 0, 2, 6, 5, 0, 0, {1, 2}},
+      {"the same walking left", 3, 6, 2, 0, 5, 0, 0, {1, 2}},
+      {"held at row 0, neighbours in row 1", 2, 0, 0, 6, -3, 0, 0, {0, 1}},
+      {"the same walking left", 4, 6, 0, 0, -3, 0, 0, {0, 1}},
+      {"steep: every step ends in row 2", 1, 0, 1, 3, 30, 0, 0, {2}},
       // A flat edge in row minRow + 1: AntiAlias1 writes the row above it, AntiAlias3 does not.
-      {"AntiAlias1 at minRow + 1", 1, 0, 2, 5, 2, 1, {1, 2}},
-      {"AntiAlias3 at minRow + 1", 3, 5, 2, 0, 2, 1, {2}},
-      {"AntiAlias3 at minRow + 2", 3, 5, 3, 0, 3, 1, {2, 3}},
-      {"AntiAlias1 at minRow", 1, 0, 1, 5, 1, 1, {1}},
+      {"AntiAlias1 at minRow + 1", 1, 0, 2, 5, 2, 0, 1, {1, 2}},
+      {"AntiAlias3 at minRow + 1", 3, 5, 2, 0, 2, 0, 1, {2}},
+      {"AntiAlias3 at minRow + 2", 3, 5, 3, 0, 3, 0, 1, {2, 3}},
+      {"AntiAlias1 at minRow", 1, 0, 1, 5, 1, 0, 1, {1}},
   };
   for (const auto& c : cases) {
     Frames f(7, c.minRow == 0 ? 3 : 5);
-    f.Run(kBlenders[c.blender - 1], c.x0, c.y0, c.x1, c.y1, 0, c.minRow);
+    f.Run(kBlenders[c.blender - 1], c.x0, c.y0, c.x1, c.y1, c.mode, c.minRow);
     EXPECT_EQ(f.ChangedRows(), c.rows) << c.what;
   }
   // Steep edges: the neighbour column stays inside maxCol - 1 (right) or
