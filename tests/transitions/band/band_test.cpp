@@ -5,7 +5,8 @@
 // and right to left in turn, the built length rounded to single precision,
 // up from each tile's bottom or down from its top. Chess Wipe: the board
 // coming in over the first half of the sweep and B over the second, in four
-// directions with their own vertical phases. And all of them for any value.
+// directions with their own vertical phases. Last, these, Swap and Rotation
+// stay inside the frames for any field value and Progress.
 #include <gtest/gtest.h>
 
 #include <cmath>
