@@ -1,6 +1,6 @@
-// What the tests of the sliding and shredding transitions share: renders of
-// the coded clips of the pen-grid tests, whose every pixel tells where it
-// was read from.
+// What the tests of the sliding, turning and shredding transitions share:
+// renders of the coded clips of the pen-grid tests, whose every pixel tells
+// where it was read from.
 #pragma once
 
 #include "transitions/pengrid/pen_grid_support.h"
@@ -15,23 +15,6 @@ inline emu::Frame RenderCodedClips(const std::string& effect, int32_t w, int32_t
   EXPECT_EQ(instance.Render(Coded(w, h, kTagA), Coded(w, h, kTagB), out, progress), 1);
   EXPECT_TRUE(instance.diagnostics().empty());
   return out;
-}
-
-// Where a row reads, both coordinates named: "A30@20,16 B20@30,0".
-struct RowReadsCase {
-  const char* what;
-  int32_t w, h;
-  double progress;
-  FieldValues values;
-  int32_t row;
-  const char* reads;
-};
-
-inline void ExpectRowReads(const std::string& effect, std::span<const RowReadsCase> cases) {
-  for (const RowReadsCase& c : cases) {
-    const emu::Frame out = RenderCodedClips(effect, c.w, c.h, c.progress, c.values);
-    EXPECT_EQ(RowReadsWithRows(out, c.row), c.reads) << c.what;
-  }
 }
 
 }  // namespace krl::test

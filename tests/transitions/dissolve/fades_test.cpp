@@ -1,13 +1,61 @@
-// Chaotic Dissolve: the plain fade at both ends, the fade's truncation, where
-// pixels land (worked out independently of the library), and the background.
+// The fades. Traditional Fade's arithmetic: the weight from the curve, the
+// floored mix of every byte (alpha too), and what curve values outside 0..1
+// do. Chaotic Dissolve: the plain fade at both ends, the fade's truncation,
+// where pixels land (worked out independently of the library), and the
+// background.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
+#include <limits>
 
 #include "test_support.h"
 
 namespace krl::test {
 namespace {
+
+// One pixel whose four bytes are all `byte`.
+uint32_t Grey(uint8_t byte) { return 0x01010101u * byte; }
+
+// Traditional Fade takes its weight from the curve (here a constant, at
+// Progress 0.5); a single pixel of Chaotic Dissolve never moves (its pull and
+// offset stay below a pixel) and fades by Progress rounded to single precision.
+TEST(Fades, MixEachByte) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double inf = std::numeric_limits<double>::infinity();
+  const char* const kFade = "Traditional Fade";
+  const char* const kChaotic = "Chaotic Dissolve";
+  const struct {
+    const char* effect;
+    double weight;  // the curve or the Progress
+    uint8_t a, b, expected;
+  } rows[] = {
+      {kFade, 0.0, 37, 200, 37},    {kFade, 1.0, 37, 200, 200},  // the ends copy A and B
+      {kFade, 0.3, 255, 0, 179},                                 // t = 76, w = 180
+      {kFade, 0.5, 255, 0, 127},                                 // floored, not rounded
+      {kFade, 0.999, 0, 10, 9},     {kFade, 0.999, 10, 0, 0},    // w = 1
+      // Out-of-range curve values wrap in 32 bits; the low byte is stored.
+      {kFade, 1.5, 10, 20, 25},     {kFade, -0.5, 200, 100, 250}, {kFade, 2.0, 0, 255, 254},
+      {kFade, 8388607.99, 1, 0, 1},
+      // Not representable as a 32-bit weight: the conversion's "indefinite"
+      // value, which leaves A.
+      {kFade, nan, 12, 250, 12},    {kFade, inf, 12, 250, 12},   {kFade, 1e9, 99, 3, 99},
+      {kChaotic, 0.5, 255, 0, 127}, {kChaotic, 0.999, 0, 255, 254},
+      {kChaotic, 0.3, 0, 10, 3},    // 10 x 0.3f = 3.0000001
+      {kChaotic, 0.3, 10, 0, 6},    // 10 - 3.0000001 is just below 7
+  };
+  for (const auto& row : rows) {
+    emu::Instance instance(Library(), Effect(Library(), row.effect));
+    const bool fade = row.effect == kFade;
+    if (fade) instance.SetConstant("Progression", row.weight);
+    const int32_t w = fade ? 3 : 1, h = fade ? 2 : 1;
+    emu::Frame out(w, h);
+    ASSERT_EQ(instance.Render(Filled(w, h, Grey(row.a)), Filled(w, h, Grey(row.b)), out, fade ? 0.5 : row.weight), 1);
+    for (uint32_t px : out.pixels) {
+      EXPECT_EQ(px, Grey(row.expected)) << row.effect << " " << row.weight << ": " << int{row.a} << ">" << int{row.b};
+    }
+  }
+}
 
 const emu::DeclaredEffect& Chaotic() { return Effect(Library(), "Chaotic Dissolve"); }
 
@@ -35,23 +83,6 @@ TEST(ChaoticDissolve, TheEndsAreThePlainClips) {
   const emu::Frame a = emu::SampleClipA(31, 17), b = emu::SampleClipB(31, 17);
   EXPECT_EQ(Render(a, b, 0.0).pixels, a.pixels);
   EXPECT_EQ(Render(a, b, 1.0).pixels, b.pixels);
-}
-
-TEST(ChaoticDissolve, FadesEachByteWithProgressRoundedToSingleAndTruncated) {
-  // A single pixel never moves: its pull and offset stay below a pixel.
-  const struct {
-    double progress;
-    uint8_t a, b, expected;
-  } rows[] = {
-      {0.5, 255, 0, 127}, {0.5, 0, 255, 127}, {0.5, 10, 11, 10},
-      {0.3, 0, 10, 3},    // 10 x 0.3f = 3.0000001
-      {0.3, 10, 0, 6},    // 10 - 3.0000001 is just below 7
-      {0.999, 0, 255, 254}, {0.25, 200, 100, 175},
-  };
-  for (const auto& row : rows) {
-    const emu::Frame out = Render(Filled(1, 1, 0x01010101u * row.a), Filled(1, 1, 0x01010101u * row.b), row.progress);
-    EXPECT_EQ(out.pixels[0], 0x01010101u * row.expected) << row.progress << " " << int{row.a} << ">" << int{row.b};
-  }
 }
 
 TEST(ChaoticDissolve, PixelsLandWhereTheRestartedGeneratorThrowsThem) {
