@@ -23,7 +23,7 @@ TEST(IrisShapes, OpenAboutTheCellCentre) {
     RowsCase c;
   } cases[] = {
       // h = 5 at 0: the bar starts at 5 / 2 = 2 and ends at trunc(2.5 + 0.5) = 3.
-      {"Iris Cross", {"opening at 0, odd sizes", 7, 5, 0.0, {}, {"A3 B1 A3", "A3 B1 A3", "B7", "A3 B1 A3", "A3 B1 A3"}}},
+      {"Iris Cross", {"odd sizes at 0", 7, 5, 0.0, {}, {"A3 B1 A3", "A3 B1 A3", "B7", "A3 B1 A3", "A3 B1 A3"}}},
       // a = b = 10: bars over [5, 15), BorderWidth 1 draws 3 pixels: inner [8, 12).
       {"Iris Cross",
        {"a pen and an inside", 20, 20, 0.5, {{"BorderWidth", 1}},

@@ -136,7 +136,7 @@ TEST(CubeStretch, TurnsTheStripsAsFacesOfACube) {
       {"B's far edge", 100, 80, 0.5, {}, true, 0, "?12 B56 ?12", 67, 'B', 1, 79},
       {"perspective: B's middle shows 59 %", 100, 80, 0.5, {}, true, 25, "?6 B68 ?6", 40, 'B', 59, 40},
       {"A's face after the pen", 100, 80, 0.5, {{"BorderWidth", 3}}, false, 40, "B50 P3 A47", 53, 'A', 0, 40},
-      {"Right > Left: A's far edge on the left", 100, 80, 0.5, {{"Direction", 1}}, true, 0, "?12 A56 ?12", 12, 'A', 1, 0},
+      {"Right > Left: A's far edge left", 100, 80, 0.5, {{"Direction", 1}}, true, 0, "?12 A56 ?12", 12, 'A', 1, 0},
       {"a cube per cell", 100, 80, 0.5, {{"Divide_X", 2}, {"Divide_Y", 3}}, true, 50, "?12 B56 ?12", 12, 'B', 51, 0},
       // At 0.01 A fills 99 of 100 columns and is already turned: q = 0.934.
       {"A tilts from the first frames", 100, 80, 0.01, {}, true, 99, "?3 A74 ?3", 3, 'A', 99, 0},

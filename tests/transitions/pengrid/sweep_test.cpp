@@ -46,7 +46,8 @@ TEST(Sweep, WholeFrames) {
        [](int32_t x, int32_t y) { return x < 50 ? 'A' : y >= 40 ? 'B' : y >= 38 ? 'P' : 'A'; }},
       {"Clock", "three quarters from 12", 0.75, {{"BorderWidth", 2}},
        [](int32_t x, int32_t y) { return x >= 50 ? 'B' : y >= 42 ? 'A' : y >= 40 ? 'P' : 'B'; }},
-      {"Clock", "a quarter counter-clockwise from 3", 0.25, {{"BorderWidth", 2}, {"Direction", 1}, {"StartPosition", 1}},
+      {"Clock", "a quarter counter-clockwise from 3", 0.25,
+       {{"BorderWidth", 2}, {"Direction", 1}, {"StartPosition", 1}},
        [](int32_t x, int32_t y) { return y < 40 ? 'A' : x >= 50 ? 'B' : x >= 48 ? 'P' : 'A'; }},
       {"Clock", "half a turn in four cells", 0.5, {{"Divide_X", 2}, {"Divide_Y", 2}},
        [](int32_t x, int32_t) { return x % 50 < 25 ? 'A' : 'B'; }},
@@ -71,7 +72,7 @@ TEST(Sweep, WholeFrames) {
     if (!c.onPixelBorders) continue;
     FieldValues smooth = c.values;
     smooth.emplace_back("Anti-Aliasing", 1);
-    EXPECT_EQ(FirstMismatch(RenderCoded(c.effect, 100, 80, c.progress, smooth), c.expected), "") << c.what << " (smooth)";
+    EXPECT_EQ(FirstMismatch(RenderCoded(c.effect, 100, 80, c.progress, smooth), c.expected), "") << c.what << " AA";
   }
 }
 

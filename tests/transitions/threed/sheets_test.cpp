@@ -155,7 +155,7 @@ TEST(Sheets, WhatEachPartShows) {
       // At 0.1 F = 64.38: (90, 3) has lifted (delta = 4.10), the upper curl's
       // material lies outside the frame, the lower curl's comes from (90.66,
       // 3.37), lit by 0.9293.
-      {"Peel", "early on the lifted corner shows the lower curl", 0.1, noShadow, 90, 3, Shaded(Code(kTagA, 90, 3), 238)},
+      {"Peel", "early, the lifted corner shows the lower curl", 0.1, noShadow, 90, 3, Shaded(Code(kTagA, 90, 3), 238)},
       // Roll, 120 x 80 half way: R = 10, c = 65.5; the top of the roll
       // (delta = 0) shows m = 65.5 - 10 pi = 34.08, unshaded.
       {"Roll", "top of the roll", 0.5, {}, 65, 41, Code(kTagA, 34, 41)},
@@ -218,7 +218,7 @@ TEST(Sheets, DrawEveryPixelOfAnyFrame) {
       for (const double p : {1e-9, 0.15, 0.2, 0.35, 0.5, 0.75, 0.999}) {
         const emu::Frame out = Render(effect, w, h, p, values);
         for (int32_t y = 0; y < h; ++y) {
-          for (int32_t x = 0; x < w; ++x) ASSERT_NE(Kind(out, x, y), '.') << effect << " " << w << "x" << h << " at " << p;
+          for (int32_t x = 0; x < w; ++x) ASSERT_NE(Kind(out, x, y), '.') << effect << " " << w << "x" << h << " " << p;
         }
       }
     }

@@ -28,7 +28,7 @@ TEST(SpinAway, CardShapes) {
     int32_t line;
     const char* runs;
   } cases[] = {
-      {"far half on the left loses the columns with k > 0 in its top row", 40, 20, Degree(45), {}, true, 19, "P16 A18 P6"},
+      {"the far half on the left loses the columns with k > 0 on top", 40, 20, Degree(45), {}, true, 19, "P16 A18 P6"},
       {"Right > Left: the far half on the right", 40, 20, Degree(45), {{"Direction", 1}}, true, 19, "P6 A19 P15"},
       {"B shows the far half on the other side", 40, 20, Degree(135), {}, true, 19, "P6 B19 P15"},
       {"Top > Bottom: far half below the axis", 20, 40, Degree(45), {{"Direction", 2}}, false, 19, "P16 A18 P6"},
@@ -68,7 +68,8 @@ TEST(SpinAway, WhereCardsRead) {
 TEST(SpinAway, SmoothingStaysOnTheFarEdges) {
   for (const int32_t direction : {0, 1}) {
     const emu::Frame hard = RenderCoded("Spin Away", 40, 20, Degree(45), {{"Direction", direction}});
-    const emu::Frame soft = RenderCoded("Spin Away", 40, 20, Degree(45), {{"Direction", direction}, {"IsAntiAlias", 1}});
+    const emu::Frame soft =
+        RenderCoded("Spin Away", 40, 20, Degree(45), {{"Direction", direction}, {"IsAntiAlias", 1}});
     int changed = 0;
     for (int32_t y = 0; y < 20; ++y) {
       for (int32_t x = 0; x < 40; ++x) {
