@@ -1,10 +1,10 @@
 // The iris shapes about each cell's centre: Iris Cross's bars with the pen
 // on their inside, Iris Diamond's corners that keep A, Iris Squared's
-// rectangle from the nominal half-sizes, Iris Round's circle and Iris Star's
-// first tip. The shortcuts of Iris Round's soft edges (bounds on the
-// softness, the mix in double) against the plain rule where they decide and
-// where they hand over, and Iris Star's box filter run in place over each
-// cell, reaching into cells not yet drawn.
+// rectangle from the nominal half-sizes, Iris Round's circle and pen ring.
+// The shortcuts of Iris Round's soft edges (bounds on the softness, the mix
+// in double) against the plain rule where they decide and where they hand
+// over, and Iris Star's box filter run in place over each cell, reaching
+// into cells not yet drawn.
 #include <gtest/gtest.h>
 
 #include <cmath>
