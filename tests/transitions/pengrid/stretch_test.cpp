@@ -118,19 +118,22 @@ emu::Frame RenderCube(int32_t w, int32_t h, double progress, const FieldValues& 
   return out;
 }
 
+// A render of the cube, the runs of one line and where one of its pixels reads.
+struct CubeCase {
+  const char* what;
+  int32_t w, h;
+  double progress;
+  FieldValues values;
+  bool column;  // the line is a column (from the bottom), else a row (from the left)
+  int32_t line;
+  const char* runs;  // '?' for the background
+  int32_t at;        // and pixel `at` of the line reads clip `clip` at (x, y)
+  char clip;
+  int32_t x, y;
+};
+
 TEST(CubeStretch, TurnsTheStripsAsFacesOfACube) {
-  const struct {
-    const char* what;
-    int32_t w, h;
-    double progress;
-    FieldValues values;
-    bool column;  // the line is a column (from the bottom), else a row (from the left)
-    int32_t line;
-    const char* runs;  // '?' for the background
-    int32_t at;        // and pixel `at` of the line reads clip `clip` at (x, y)
-    char clip;
-    int32_t x, y;
-  } cases[] = {
+  const CubeCase cases[] = {
       // 100 x 80 half way: q = 0.69783... for both faces.
       {"B's seam", 100, 80, 0.5, {}, true, 49, "B80", 40, 'B', 99, 40},
       {"B's far edge", 100, 80, 0.5, {}, true, 0, "?12 B56 ?12", 67, 'B', 1, 79},
