@@ -44,41 +44,19 @@ inline char SourceOf(uint32_t pixel) {
   return '?';
 }
 
-// The sources along a line of pixels as runs: "B16 P4 A13".
-inline std::string Runs(const std::vector<uint32_t>& line) {
-  std::string out;
-  for (size_t i = 0; i < line.size();) {
-    size_t j = i;
-    while (j < line.size() && SourceOf(line[j]) == SourceOf(line[i])) ++j;
-    if (!out.empty()) out += ' ';
-    out += SourceOf(line[i]) + std::to_string(j - i);
-    i = j;
-  }
-  return out;
-}
-
-inline std::string RowRuns(const emu::Frame& f, int32_t y) {
-  return Runs(std::vector<uint32_t>(f.pixels.begin() + static_cast<ptrdiff_t>(y) * f.width,
-                                    f.pixels.begin() + static_cast<ptrdiff_t>(y + 1) * f.width));
-}
-
-// From row 0 (the bottom) upwards.
-inline std::string ColumnRuns(const emu::Frame& f, int32_t x) {
-  std::vector<uint32_t> line;
-  for (int32_t y = 0; y < f.height; ++y) line.push_back(f.At(x, y));
-  return Runs(line);
-}
-
-// The sources along a line with where each run reads: "B50@50 P4 A46@0" is
-// 50 pixels of B from B's column (or row) 50 on, 4 of pen, then A from 0. A
-// run breaks where the reads jump; a read off the line's own row (column)
-// shows as '!', or with both coordinates its row ("B3@7,2") when asked.
-inline std::string Reads(const emu::Frame& f, bool alongRow, int32_t line, bool bothCoordinates = false) {
+// The sources along a row (from the left) or a column (from the bottom) with
+// where each run reads: "B50@50 P4 A46@0" is 50 pixels of B from B's column
+// (or row) 50 on, 4 of pen, then A from 0. A run breaks where the reads
+// jump; a read off the line's own row (column) shows as '!', or with both
+// coordinates its row ("B3@7,2") when asked. With the sources only, the
+// runs are "B16 P4 A13". (The band and raster tests use these too.)
+inline std::string Reads(const emu::Frame& f, bool alongRow, int32_t line, bool bothCoordinates = false,
+                         bool sourcesOnly = false) {
   const int32_t count = alongRow ? f.width : f.height;
   auto pixel = [&](int32_t i) { return alongRow ? f.At(i, line) : f.At(line, i); };
   auto along = [&](uint32_t px) { return alongRow ? CodedX(px) : CodedY(px); };
   auto across = [&](uint32_t px) { return alongRow ? CodedY(px) : CodedX(px); };
-  auto coded = [](uint32_t px) { return SourceOf(px) == 'A' || SourceOf(px) == 'B'; };
+  auto coded = [&](uint32_t px) { return !sourcesOnly && (SourceOf(px) == 'A' || SourceOf(px) == 'B'); };
   std::string out;
   for (int32_t i = 0; i < count;) {
     const uint32_t first = pixel(i);
@@ -101,6 +79,8 @@ inline std::string Reads(const emu::Frame& f, bool alongRow, int32_t line, bool 
   }
   return out;
 }
+inline std::string RowRuns(const emu::Frame& f, int32_t y) { return Reads(f, true, y, false, true); }
+inline std::string ColumnRuns(const emu::Frame& f, int32_t x) { return Reads(f, false, x, false, true); }
 inline std::string RowReads(const emu::Frame& f, int32_t y) { return Reads(f, true, y); }
 inline std::string RowReadsWithRows(const emu::Frame& f, int32_t y) { return Reads(f, true, y, true); }
 inline std::string ColumnReads(const emu::Frame& f, int32_t x) { return Reads(f, false, x); }
