@@ -23,9 +23,9 @@ inline emu::Frame RenderFlat(const std::string& effect, int32_t w, int32_t h, do
   return RenderFlat(instance, w, h, progress);
 }
 
-// The next `count` values rand() gives after srand(seed).
-inline std::vector<int> RandAfterSrand(unsigned seed, size_t count) {
-  std::srand(seed);
+// The first `count` values rand() gives after srand(start).
+inline std::vector<int> RandAfterSrand(unsigned start, size_t count) {
+  std::srand(start);
   std::vector<int> values(count);
   for (int& v : values) v = std::rand();
   return values;
