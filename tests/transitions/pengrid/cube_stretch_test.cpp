@@ -121,5 +121,25 @@ TEST(CubeStretch, BlendsTheBackgroundByCoverage) {
   }
 }
 
+// The reads of a frame 2^15 pixels wide are formed one at a time, those of
+// narrower frames four at a time: every cell of a wide frame split into
+// eight cells 4096 wide shows what a frame of one such cell shows (the
+// coded columns count within 4096).
+TEST(CubeStretch, WideFramesReadAsNarrowOnes) {
+  const struct {
+    double progress;
+    int32_t antiAlias;
+  } cases[] = {{0.3, 0}, {0.7, 1}};
+  for (const auto& c : cases) {
+    const emu::Frame narrow = RenderCube(4096, 9, c.progress, {{"Anti-Aliasing", c.antiAlias}});
+    const emu::Frame wide = RenderCube(8 * 4096, 9, c.progress, {{"Divide_X", 8}, {"Anti-Aliasing", c.antiAlias}});
+    for (int32_t y = 0; y < 9; ++y) {
+      for (int32_t x = 0; x < wide.width; ++x) {
+        ASSERT_EQ(wide.At(x, y), narrow.At(x % 4096, y)) << c.progress << " at " << x << "," << y;
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace krl::test
