@@ -74,6 +74,9 @@ TEST(Wipe, UncoversBInEveryCellBehindItsPen) {
       {"seven empty cells, the last one column wide", 1, 7, 0.0, {{"Divide_X", 8}, {"BorderWidth", 1}}, kEveryRow,
        "P1"},
       {"the last cell takes all 7 columns", 7, 1, 0.0, {{"Divide_X", 8}, {"BorderWidth", 1}}, kEveryRow, "P1 A6"},
+      // Up to eight cells are painted row by row through all of them, more one after the other.
+      {"twelve cells", 24, 2, 0.5, {{"Divide_X", 12}}, kEveryRow,
+       "B1 A1 B1 A1 B1 A1 B1 A1 B1 A1 B1 A1 B1 A1 B1 A1 B1 A1 B1 A1 B1 A1 B1 A1"},
   };
   for (const WipeCase& c : cases) {
     const emu::Frame out = RenderCoded("Wipe", c.w, c.h, c.progress, c.values);
