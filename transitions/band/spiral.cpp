@@ -92,6 +92,7 @@ class TurnedA {
 
  private:
   static constexpr int32_t kTileColumns = 128;
+  static constexpr int32_t kTapRows = 8;  // rows of taps in flight in a tile
 
   struct Row {
     double yk2, yk1;  // Y x k2 and Y x k1
@@ -174,9 +175,11 @@ class TurnedA {
 
   // edge(B, bilinear sample of A, e) over a tile of a band's rows: the
   // taps of a row's part that shows the sample alone are found, and their
-  // pixels asked of the cache, while the row before is weighed.
+  // pixels asked of the cache, kTapRows - 1 rows before they are weighed:
+  // the reads of a turned A cross its rows, and one row ahead leaves them
+  // waiting on the memory.
   void PaintSoftTile(int32_t y0, const RowRuns* runs, int32_t n, ColumnRange tile) const {
-    Taps taps[2][kTileColumns + 1];
+    Taps taps[kTapRows][kTileColumns + 1];
     const TileColumns columns = ColumnsOf(tile);
     // Within the tile even where the row shows nothing of A there.
     auto wholeOf = [&](int32_t i) {
@@ -184,14 +187,15 @@ class TurnedA {
       if (span.begin >= span.end) return ColumnRange{tile.begin, tile.begin};
       return whole.begin < whole.end ? whole : ColumnRange{span.end, span.end};
     };
-    FindTaps(y0, wholeOf(0), columns, taps[0]);
+    for (int32_t i = 0; i < std::min(kTapRows - 1, n); ++i) FindTaps(y0 + i, wholeOf(i), columns, taps[i]);
     for (int32_t i = 0; i < n; ++i) {
-      if (i + 1 < n) FindTaps(y0 + i + 1, wholeOf(i + 1), columns, taps[(i + 1) % 2]);
+      const int32_t later = i + kTapRows - 1;
+      if (later < n) FindTaps(y0 + later, wholeOf(later), columns, taps[later % kTapRows]);
       const ColumnRange span = Intersect(runs[i].shown, tile);
       if (span.begin >= span.end) continue;
       const ColumnRange whole = wholeOf(i);
       PaintBlended(y0 + i, {span.begin, whole.begin});
-      WeighTaps(y0 + i, whole, taps[i % 2]);
+      WeighTaps(y0 + i, whole, taps[i % kTapRows]);
       PaintBlended(y0 + i, {whole.end, span.end});
     }
   }

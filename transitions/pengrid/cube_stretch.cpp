@@ -4,6 +4,8 @@
 // so its far edge is shorter the more the face is squeezed, and its picture
 // is compressed toward that edge. The wedges beside the shortened faces show
 // the background colour, blended along the slanted edges with anti-aliasing.
+#include <emmintrin.h>
+
 #include <cmath>
 
 #include "host/transition.h"
@@ -144,7 +146,7 @@ struct CubeFrame {
   const StretchCells& cells;
   CellFaces regular, last;
   Slices slices;
-  int32_t* across;  // room for the across indices of kRowsInFlight lines
+  size_t* across;   // room for the places read in kRowsInFlight lines, or the across indices of one
   size_t line;      // the room of one line
   int32_t extent;   // C, across the travel: every cell spans the frame across it
   double hc;        // C x 0.5
@@ -156,70 +158,100 @@ struct CubeFrame {
 };
 
 // Travelling along columns the frames are walked row by row; in each cell's
-// row a face runs from its seam. A row's across indices depend only on the
-// along-index in the table, so they are found once per row for all cells of
-// a length, in a loop of their own, kAhead rows before the row is painted:
+// row a face runs from its seam. The places a row reads, relative to the
+// cell, depend only on the along-index in the table, so they are found once
+// per row for all cells of a length, in a loop of their own, kAhead rows
+// before the row is painted:
 // one row of a face reads from many rows of its clip, and the reads of that
 // later row are announced to the cache face by face, as this row's are made.
 constexpr int32_t kAhead = 2, kRowsInFlight = kAhead + 1;
 
-// The across indices of row y for the faces of every table, at their table
-// index. The frame's values are copied to locals first: the writes through
-// `across` could otherwise alias them, and the loop would not run in SSE2.
-void FindAcross(const CubeFrame& f, int32_t y, int32_t* across) {
+// The places read for row y by the faces of every table, at their table
+// index: the across index times the width plus the along-index.
+void FindPlaces(const CubeFrame& f, int32_t y, size_t* places) {
   const double hc = f.hc, offset = (y + 0.5) - hc;
   const double* inverseScale = f.slices.inverseScale;
-  const int32_t extent = f.extent;
-  auto table = [&](const CellFaces& faces, int32_t start) {
-    for (const Face& face : faces.faces) {
-      const int32_t end = start + face.strip.end;
-      for (int32_t k = start + face.strip.begin; k < end; ++k) {
-        across[k] = AcrossFrom(hc, offset, inverseScale[k], extent);
+  const int32_t* from = f.slices.from;
+  const int32_t extent = f.extent, width = f.rows.width;
+  // With across indices and a width below 2^15, pmaddwd forms the products
+  // of four columns at once and their sums stay below 2^31.
+  const bool narrow = width < (1 << 15) && extent <= (1 << 15);
+  const __m128d hcs = _mm_set1_pd(hc), offsets = _mm_set1_pd(offset), lastRow = _mm_set1_pd(extent - 1);
+  const __m128i widths = _mm_set1_epi32(width);
+  // Those of k and k + 1 in the low half, clamped before the truncation,
+  // which gives what AcrossFrom gives.
+  auto acrossPair = [&](int32_t k) {
+    const __m128d v = _mm_add_pd(hcs, _mm_mul_pd(offsets, _mm_loadu_pd(inverseScale + k)));
+    return _mm_cvttpd_epi32(_mm_max_pd(_mm_min_pd(v, lastRow), _mm_setzero_pd()));
+  };
+  auto run = [&](int32_t k, int32_t end) {
+    if (narrow) {
+      for (; k + 4 <= end; k += 4) {
+        const __m128i rows = _mm_unpacklo_epi64(acrossPair(k), acrossPair(k + 2));
+        const __m128i at = _mm_add_epi32(_mm_madd_epi16(rows, widths),
+                                         _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + k)));
+#if defined(__x86_64__)
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(places + k), _mm_unpacklo_epi32(at, _mm_setzero_si128()));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(places + k + 2), _mm_unpackhi_epi32(at, _mm_setzero_si128()));
+#else
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(places + k), at);
+#endif
       }
     }
+    for (; k < end; ++k) {
+      places[k] = static_cast<size_t>(AcrossFrom(hc, offset, inverseScale[k], extent)) * static_cast<size_t>(width) +
+                  static_cast<size_t>(from[k]);
+    }
+  };
+  auto table = [&](const CellFaces& faces, int32_t start) {
+    for (const Face& face : faces.faces) run(start + face.strip.begin, start + face.strip.end);
   };
   if (f.cells.count > 1) table(f.regular, 0);
   table(f.last, f.cells.LastTableStart());
 }
 
 // Asks the cache for every fourth pixel a face reads in a later row.
-void AnnounceReads(const PixelWord* clip, size_t width, const Strip& strip, const int32_t* across,
-                   const int32_t* from) {
-  for (int32_t k = strip.begin; k < strip.end; k += 4) {
-    __builtin_prefetch(&clip[static_cast<size_t>(across[k]) * width + static_cast<size_t>(from[k])]);
+void AnnounceReads(const PixelWord* clip, const Strip& strip, const size_t* places) {
+  for (int32_t k = strip.begin; k < strip.end; k += 4) __builtin_prefetch(&clip[places[k]]);
+}
+
+// The pixels of `strip` read at their places, four at a time.
+void Gather(PixelWord* out, const PixelWord* clip, const size_t* places, const Strip& strip) {
+  int32_t k = strip.begin;
+  for (; k + 4 <= strip.end; k += 4) {
+    const PixelWord p0 = clip[places[k]], p1 = clip[places[k + 1]], p2 = clip[places[k + 2]], p3 = clip[places[k + 3]];
+    out[k] = p0;
+    out[k + 1] = p1;
+    out[k + 2] = p2;
+    out[k + 3] = p3;
   }
+  for (; k < strip.end; ++k) out[k] = clip[places[k]];
 }
 
 void PaintAcrossColumns(const CubeFrame& f) {
-  const size_t width = static_cast<size_t>(f.rows.width);
-  auto acrossOf = [&](int32_t y) { return f.across + static_cast<size_t>(y % kRowsInFlight) * f.line; };
-  for (int32_t y = 0; y < std::min(kAhead, f.rows.height); ++y) FindAcross(f, y, acrossOf(y));
+  auto placesOf = [&](int32_t y) { return f.across + static_cast<size_t>(y % kRowsInFlight) * f.line; };
+  for (int32_t y = 0; y < std::min(kAhead, f.rows.height); ++y) FindPlaces(f, y, placesOf(y));
   for (int32_t y = 0; y < f.rows.height; ++y) {
     const bool announce = y + kAhead < f.rows.height;
-    if (announce) FindAcross(f, y + kAhead, acrossOf(y + kAhead));
+    if (announce) FindPlaces(f, y + kAhead, placesOf(y + kAhead));
     const double distance = std::abs((y + 0.5) - f.hc);
     PixelWord* out = f.rows.Out(y);
     for (int32_t i = f.cells.First(); i < f.cells.count; ++i) {
       const int32_t x0 = f.cells.Origin(i);
       const Slices slices = f.slices.From(f.cells.TableStart(i));
-      const int32_t* across = acrossOf(y) + f.cells.TableStart(i);
-      const int32_t* later = acrossOf(y + kAhead) + f.cells.TableStart(i);
+      const size_t* places = placesOf(y) + f.cells.TableStart(i);
+      const size_t* later = placesOf(y + kAhead) + f.cells.TableStart(i);
       for (int32_t side = 0; side < 2; ++side) {
         const Face& face = f.FacesOfCell(i).faces[side];
         if (face.strip.Length() == 0) continue;
         const Run run{face.seamHigh ? face.strip.end - 1 : face.strip.begin, face.seamHigh ? -1 : 1,
                       face.strip.Length()};
         const PixelWord* clip = f.Clip(side) + x0;
-        const int32_t* from = slices.from;
-        if (announce) AnnounceReads(clip, width, face.strip, later, from);
-        auto read = [&](int32_t k) {
-          return uint32_t{clip[static_cast<size_t>(across[k]) * width + static_cast<size_t>(from[k])]};
-        };
+        if (announce) AnnounceReads(clip, face.strip, later);
+        auto read = [&](int32_t k) { return uint32_t{clip[places[k]]}; };
         PaintRun(
             out + x0, run, [&](int32_t k) { return (slices.halfExtent[k] - distance) * face.g; }, read,
-            [&](const Strip& s) {
-              for (int32_t k = s.begin; k < s.end; ++k) out[x0 + k] = read(k);
-            },
+            [&](const Strip& s) { Gather(out + x0, clip, places, s); },
             f.back, f.antiAlias);
       }
       const Strip& pen = f.cells.Strips(i).pen;
@@ -233,7 +265,7 @@ void PaintAcrossColumns(const CubeFrame& f) {
 void PaintAcrossRows(const CubeFrame& f) {
   const int32_t middle = f.extent / 2;
   const Run halves[] = {{middle, 1, f.extent - middle}, {middle - 1, -1, middle}};
-  int32_t* across = f.across;
+  size_t* across = f.across;
   for (int32_t i = f.cells.First(); i < f.cells.count; ++i) {
     const int32_t y0 = f.cells.Origin(i);
     const Slices slices = f.slices.From(f.cells.TableStart(i));
@@ -249,7 +281,7 @@ void PaintAcrossRows(const CubeFrame& f) {
               out, run, [&](int32_t x) { return (halfExtent - std::abs((x + 0.5) - f.hc)) * face.g; },
               [&](int32_t x) { return uint32_t{from[acrossAt(x)]}; },
               [&](const Strip& s) {
-                for (int32_t x = s.begin; x < s.end; ++x) across[x] = acrossAt(x);
+                for (int32_t x = s.begin; x < s.end; ++x) across[x] = static_cast<size_t>(acrossAt(x));
                 for (int32_t x = s.begin; x < s.end; ++x) out[x] = from[across[x]];
               },
               f.back, f.antiAlias);
@@ -277,13 +309,14 @@ int32_t CubeStretchRender(t_KrRenderInfo* ri) {
   const size_t length = static_cast<size_t>(cells.TableLength());
   const size_t line = std::max(length, static_cast<size_t>(extent));
   const Scratch<double> reals = AllocateScratch<double>(2 * length);
-  const Scratch<int32_t> indices = AllocateScratch<int32_t>(length + kRowsInFlight * line);
-  if (!reals || !indices) return 1;  // no memory for the tables: the output stays as it was
+  const Scratch<int32_t> indices = AllocateScratch<int32_t>(length);
+  const Scratch<size_t> places = AllocateScratch<size_t>(kRowsInFlight * line);
+  if (!reals || !indices || !places) return 1;  // no memory for the tables: the output stays as it was
   const Slices slices{reals.get(), reals.get() + length, indices.get()};
   const double hc = extent * 0.5;
   const CellFaces regular = cells.count > 1 ? FacesOf(cells.regular, hc, slices) : CellFaces{};
   const CellFaces last = FacesOf(cells.last, hc, slices.From(cells.LastTableStart()));
-  const CubeFrame frame{FrameRows::Of(ri), cells, regular, last, slices, indices.get() + length, line, extent, hc,
+  const CubeFrame frame{FrameRows::Of(ri), cells, regular, last, slices, places.get(), line, extent, hc,
                         reads.pen.pen, back, antiAlias};
   if (acrossColumns) {
     PaintAcrossColumns(frame);

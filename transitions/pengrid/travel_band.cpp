@@ -41,14 +41,28 @@ BandCell BandOf(const Cell& cell, Travel travel, double p, int32_t t) {
   return band;
 }
 
-void PaintAcrossColumns(const FrameRows& rows, const BandCell& band, const BandRanges& r, ReadShifts s, uint32_t pen) {
-  for (int32_t y = band.cell.y0; y < band.cell.y1; ++y) {
-    PixelWord* out = rows.Out(y);
-    CopyRun(out + r.b.begin, rows.B(y) + r.b.begin + s.bShift, r.b.end - r.b.begin);
-    FillRun(out + r.pen.begin, pen, r.pen.end - r.pen.begin);
-    CopyRun(out + r.a.begin, rows.A(y) + r.a.begin + s.aShift, r.a.end - r.a.begin);
-  }
+// Row y of a cell travelled along its columns.
+void PaintRow(const FrameRows& rows, int32_t y, const BandRanges& r, ReadShifts s, uint32_t pen) {
+  PixelWord* out = rows.Out(y);
+  CopyRun(out + r.b.begin, rows.B(y) + r.b.begin + s.bShift, r.b.end - r.b.begin);
+  FillRun(out + r.pen.begin, pen, r.pen.end - r.pen.begin);
+  CopyRun(out + r.a.begin, rows.A(y) + r.a.begin + s.aShift, r.a.end - r.a.begin);
 }
+
+void PaintAcrossColumns(const FrameRows& rows, const BandCell& band, const BandRanges& r, ReadShifts s, uint32_t pen) {
+  for (int32_t y = band.cell.y0; y < band.cell.y1; ++y) PaintRow(rows, y, r, s, pen);
+}
+
+// Travelling along columns every cell spans the frame's height. Up to
+// kRowCells cells the frame is walked row by row through all of them, so
+// that every row is read and written from end to end; more cells are
+// painted one after the other. Cells never overlap: the order does not show.
+constexpr int32_t kRowCells = 8;
+
+struct RowCell {
+  BandRanges ranges;
+  ReadShifts shifts;
+};
 
 void PaintAcrossRows(const FrameRows& rows, const BandCell& band, const BandRanges& r, ReadShifts s, uint32_t pen) {
   const int32_t x0 = band.cell.x0, w = band.cell.Width();
@@ -71,6 +85,21 @@ int32_t RenderTravelBand(t_KrRenderInfo* ri, const PenGridFields& fields, ShiftR
   const FrameRows rows = FrameRows::Of(ri);
   const double p = ShapeProgress(ri->Progress);
   const int32_t t = PenThickness(reads.thickness);
+  if (AcrossColumns(travel)) {
+    RowCell cells[kRowCells];
+    int32_t count = 0;
+    ForEachGridCell(rows.width, rows.height, reads.divideX, reads.divideY, [&](const Cell& cell) {
+      const BandCell band = BandOf(cell, travel, p, t);
+      if (count < kRowCells) cells[count] = {RangesOf(band), shifts(band)};
+      ++count;
+    });
+    if (count <= kRowCells) {
+      for (int32_t y = 0; y < rows.height; ++y) {
+        for (int32_t i = 0; i < count; ++i) PaintRow(rows, y, cells[i].ranges, cells[i].shifts, reads.pen);
+      }
+      return 1;
+    }
+  }
   ForEachGridCell(rows.width, rows.height, reads.divideX, reads.divideY, [&](const Cell& cell) {
     const BandCell band = BandOf(cell, travel, p, t);
     const BandRanges ranges = RangesOf(band);

@@ -167,5 +167,22 @@ TEST(CubeStretch, BlendsTheBackgroundByCoverage) {
   EXPECT_EQ(RenderCube(100, 80, 0.5, {{"Anti-Aliasing", 1}}).At(0, 11), MixWeighted(Code(kTagB, 1, 0), kBack, 244));
 }
 
+// The reads of a frame 2^15 pixels wide are formed one at a time, those of
+// narrower frames four at a time: every cell of a wide frame split into
+// eight cells 4096 wide shows what a frame of one such cell shows (the
+// coded columns count within 4096).
+TEST(CubeStretch, WideFramesReadAsNarrowOnes) {
+  for (const int32_t antiAlias : {0, 1}) {
+    const double progress = antiAlias ? 0.7 : 0.3;
+    const emu::Frame narrow = RenderCube(4096, 9, progress, {{"Anti-Aliasing", antiAlias}});
+    const emu::Frame wide = RenderCube(8 * 4096, 9, progress, {{"Divide_X", 8}, {"Anti-Aliasing", antiAlias}});
+    for (int32_t y = 0; y < 9; ++y) {
+      for (int32_t x = 0; x < wide.width; ++x) {
+        ASSERT_EQ(wide.At(x, y), narrow.At(x % 4096, y)) << progress << " at " << x << "," << y;
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace krl::test

@@ -42,6 +42,10 @@ TEST(Travel, BComesInBehindItsPenInEveryCell) {
       {"Wipe", 10, 2, nan, {{"Divide_X", 2}, {"BorderWidth", 2}}, "P2 A3@2 P2 A3@7"},
       {"Wipe", 10, 2, 0.5, {{"Divide_X", 2}, {"BorderWidth", INT32_MAX}}, "B2@0 P3 B2@5 P3"},
       {"Wipe", 7, 1, 0.0, {{"Divide_X", 8}, {"BorderWidth", 1}}, "P1 A6@1"},
+      // Up to eight cells are painted row by row through all of them, more one after the other.
+      {"Wipe", 24, 2, 0.5, {{"Divide_X", 12}},
+       "B1@0 A1@1 B1@2 A1@3 B1@4 A1@5 B1@6 A1@7 B1@8 A1@9 B1@10 A1@11 "
+       "B1@12 A1@13 B1@14 A1@15 B1@16 A1@17 B1@18 A1@19 B1@20 A1@21 B1@22 A1@23"},
       // B's right half, the pen, then A from the cell's start: A is pushed by n + t.
       {"Push", 100, 3, 0.5, {{"BorderWidth", 4}}, "B50@50 P4 A46@0"},
       // A's columns 50..95, the pen hiding A's 96..99, then B's left half.
