@@ -125,10 +125,11 @@ class Sheet {
   }
 
   // Of a pixel of the curl band: q = min(delta, R) / R, the quick arc sine
-  // of q and the weight of the shade 1/2 + sqrt(1 - q^2) / 2.
+  // of q, the weight of the shade 1/2 + sqrt(1 - q^2) / 2 and that of the
+  // shadow beneath, 1/2 + clamp((delta - R) / R, 0, 1) / 2.
   struct Arc {
     double q, quickAsin;
-    uint32_t shade;
+    uint32_t shade, shadow;
   };
 
   // The arcs of two pixels, delta from the fold line each.
@@ -136,11 +137,15 @@ class Sheet {
     const __m128d r = _mm_set1_pd(r_), half = _mm_set1_pd(0.5);
     const __m128d q = _mm_div_pd(_mm_min_pd(r, delta), r);  // minpd(R, delta) is std::min(delta, R)
     const __m128d g = _mm_add_pd(half, _mm_mul_pd(half, _mm_sqrt_pd(_mm_sub_pd(_mm_set1_pd(1), _mm_mul_pd(q, q)))));
-    double qs[2], as[2], gs[2];
+    // Clamped as max, then min: (delta - R) / R is never a NaN here, nor -0.
+    const __m128d dark = _mm_div_pd(_mm_sub_pd(delta, r), r);
+    const __m128d shadow = _mm_add_pd(half, _mm_mul_pd(half, _mm_min_pd(_mm_max_pd(dark, _mm_setzero_pd()), _mm_set1_pd(1))));
+    double qs[2], as[2], gs[2], ss[2];
     _mm_storeu_pd(qs, q);
     _mm_storeu_pd(as, QuickAsin(q));
     _mm_storeu_pd(gs, g);
-    for (int i = 0; i < 2; ++i) two[i] = {qs[i], as[i], ShadeWeight(gs[i])};
+    _mm_storeu_pd(ss, shadow);
+    for (int i = 0; i < 2; ++i) two[i] = {qs[i], as[i], ShadeWeight(gs[i]), ShadeWeight(ss[i])};
   }
 
   // The arcs of a row's pixels, worked out for two neighbouring columns at
@@ -176,13 +181,14 @@ class Sheet {
       return Top(pixelA, At(vx, vy, piR_ - delta, delta), kUnshaded, 1, nullptr);
     }
     uint32_t col = pixelB;
-    if (s_.shadow && Inside(At(vx, vy, 0, delta))) {
-      col = ShadeWeighted(col, ShadeWeight(0.5 + 0.5 * std::clamp((delta - r_) / r_, 0.0, 1.0)));
-    }
+    const bool shadowed = s_.shadow && Inside(At(vx, vy, 0, delta));
     const double rim = s_.antiAlias ? std::clamp((r_ - delta) + 0.5, 0.0, 1.0) : (delta < r_ ? 1.0 : 0.0);
     // Beyond the curl band no layer gets any weight: mix with 0 keeps col.
-    if (MixWeight(rim) == 0) return col;
+    if (MixWeight(rim) == 0) {
+      return shadowed ? ShadeWeighted(col, ShadeWeight(0.5 + 0.5 * std::clamp((delta - r_) / r_, 0.0, 1.0))) : col;
+    }
     const Arc& arc = arcs.Of(x);
+    if (shadowed) col = ShadeWeighted(col, arc.shadow);
     // The quick arc sine lies within a few ulps of the exact one, which
     // moves S(m) by far less than the margin: unless a floor or a weight of
     // the result lies within the margin of its step, both give this pixel.
