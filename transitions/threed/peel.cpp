@@ -139,12 +139,12 @@ class Sheet {
     const __m128d g = _mm_add_pd(half, _mm_mul_pd(half, _mm_sqrt_pd(_mm_sub_pd(_mm_set1_pd(1), _mm_mul_pd(q, q)))));
     // Clamped as max, then min: (delta - R) / R is never a NaN here, nor -0.
     const __m128d dark = _mm_div_pd(_mm_sub_pd(delta, r), r);
-    const __m128d shadow = _mm_add_pd(half, _mm_mul_pd(half, _mm_min_pd(_mm_max_pd(dark, _mm_setzero_pd()), _mm_set1_pd(1))));
+    const __m128d beneath = _mm_add_pd(half, _mm_mul_pd(half, _mm_min_pd(_mm_max_pd(dark, _mm_setzero_pd()), _mm_set1_pd(1))));
     double qs[2], as[2], gs[2], ss[2];
     _mm_storeu_pd(qs, q);
     _mm_storeu_pd(as, QuickAsin(q));
     _mm_storeu_pd(gs, g);
-    _mm_storeu_pd(ss, shadow);
+    _mm_storeu_pd(ss, beneath);
     for (int i = 0; i < 2; ++i) two[i] = {qs[i], as[i], ShadeWeight(gs[i]), ShadeWeight(ss[i])};
   }
 
