@@ -147,8 +147,6 @@ class Carpet {
     const ColumnRange carpet =
         HoldingRange(0, rows_.width, [&](int32_t x) { return EdgeZone(At(x).lead, antiAlias_) != 0; });
     const int32_t n = carpet.end - carpet.begin;
-    // The steepest slope of B's displacement, in rows per column.
-    const bool steep = std::abs(amp_ * (2 * kPi * k_) / l_) > 1;
     for (int32_t i = 0; i < n; ++i) {
       const Along at = At(carpet.begin + i);
       columns.lead[i] = at.lead;
@@ -162,15 +160,13 @@ class Carpet {
       CopyRun(out, a, carpet.begin);
       CopyRun(out + carpet.end, a + carpet.end, rows_.width - carpet.end);
       // Each column reads B a wave's height above or below its own row: ask
-      // for the lines a few rows on, which no prefetcher foresees; every
-      // eighth column's where next columns read the same row or the next,
-      // else each column's as it is painted.
+      // for the lines a few rows on, which no prefetcher foresees.
       const double ahead = std::min(y + kPrefetchRows, rows_.height - 1) + 0.5;
-      for (int32_t i = 0; !steep && i < n; i += 8) {
+      for (int32_t i = 0; i < n; i += 8) {
         const auto at = static_cast<size_t>(std::min(std::max(ahead - columns.dc[i], 0.0), lastAcross_));
         __builtin_prefetch(rows_.inputB + columns.column[i] + at * acrossStride_);
       }
-      PaintCarpetRow(y + 0.5, columns, n, out + carpet.begin, a + carpet.begin, steep ? kPrefetchRows : 0);
+      PaintCarpetRow(y + 0.5, columns, n, out + carpet.begin, a + carpet.begin);
     }
   }
 
@@ -182,8 +178,7 @@ class Carpet {
   // One blend then gives every pixel: weight 0 is B's sample and 256 is A,
   // exactly. B's row is held to the frame, so the sample, read even where
   // A shows, lies in B.
-  // With `ahead` above 0 each pixel's line of B that many rows on is asked for.
-  void PaintCarpetRow(double c, const Columns& columns, int32_t n, PixelWord* out, const PixelWord* a, int32_t ahead) const {
+  void PaintCarpetRow(double c, const Columns& columns, int32_t n, PixelWord* out, const PixelWord* a) const {
     const __m128d cs = _mm_set1_pd(c), across = _mm_set1_pd(c_), last = _mm_set1_pd(lastAcross_);
     const __m128d zero = _mm_setzero_pd(), half = _mm_set1_pd(0.5), one = _mm_set1_pd(1), scale = _mm_set1_pd(256);
     auto weightsAndRows = [&](int32_t i, int32_t* rowOf) {
@@ -195,7 +190,6 @@ class Carpet {
       const __m128d weight = _mm_min_pd(_mm_max_pd(_mm_sub_pd(half, e), zero), one);
       return _mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(weight, scale), half));
     };
-    const auto lastRow = static_cast<int32_t>(lastAcross_);
     int32_t i = 0;
     for (; i + 4 <= n; i += 4) {
       int32_t rowOf[4];
@@ -205,10 +199,6 @@ class Carpet {
       if (fullWeights == 0xFFFF) {  // A alone
         _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), _mm_loadu_si128(reinterpret_cast<const __m128i*>(a + i)));
         continue;
-      }
-      for (int32_t k = 0; ahead > 0 && k < 4; ++k) {
-        const int32_t later = rowOf[k] < lastRow - ahead ? rowOf[k] + ahead : lastRow;
-        __builtin_prefetch(rows_.inputB + columns.column[i + k] + static_cast<size_t>(later) * acrossStride_);
       }
       auto sample = [&](int32_t k) { return static_cast<int>(Sample(columns, i + k, rowOf[k])); };
       const __m128i b = _mm_setr_epi32(sample(0), sample(1), sample(2), sample(3));
