@@ -3,6 +3,8 @@
 // radius R (up, over the top, then back flat with its back upward). From the
 // start corner one sees B (with a soft shadow near the curl), the curl's rim
 // and top, the flat flap showing the back, and the unpeeled A.
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -52,24 +54,30 @@ struct Settings {
 // arithmetic alone: the library's double arc sine costs far more on the
 // 32-bit build. Up to 1/2, q + q^3 P(q^2) with P fitted to (asin(s) - s) / s^3
 // on [0, 1/4] (error below 3e-16); above, asin(q) = pi/2 - 2 asin(s) with
-// s = sqrt((1 - q) / 2), again at most 1/2. A NaN gives a NaN.
-double QuickAsin(double q) {
-  auto series = [](double s) {
+// s = sqrt((1 - q) / 2), again at most 1/2. A NaN gives a NaN. Two at a
+// time, each lane rounded as the same double arithmetic one at a time rounds.
+__m128d QuickAsin(__m128d q) {
+  auto series = [](__m128d s) {
     // P's coefficients from the constant term up, summed in pairs, fours
     // and eights (independent products, not one long chain of them).
     static constexpr double c[] = {0.1666666666666665,   0.07500000000020764,  0.044642857103423646,
                                    0.03038194736709848,  0.02237204763174451,  0.017355259955786323,
                                    0.013929652902326633, 0.011875494382636922, 0.0078029494773533175,
                                    0.01603551434914882,  -0.010749050339697808, 0.028169218060881414};
-    const double z = s * s, z2 = z * z, z4 = z2 * z2;
-    const double p01 = c[0] + c[1] * z, p23 = c[2] + c[3] * z, p45 = c[4] + c[5] * z;
-    const double p67 = c[6] + c[7] * z, p89 = c[8] + c[9] * z, p1011 = c[10] + c[11] * z;
-    const double p0to3 = p01 + p23 * z2, p4to7 = p45 + p67 * z2, p8to11 = p89 + p1011 * z2;
-    const double p = (p0to3 + p4to7 * z4) + p8to11 * (z4 * z4);
-    return s + s * (z * p);
+    auto pair = [&](int i, __m128d z) { return _mm_add_pd(_mm_set1_pd(c[i]), _mm_mul_pd(_mm_set1_pd(c[i + 1]), z)); };
+    const __m128d z = _mm_mul_pd(s, s), z2 = _mm_mul_pd(z, z), z4 = _mm_mul_pd(z2, z2);
+    const __m128d p0to3 = _mm_add_pd(pair(0, z), _mm_mul_pd(pair(2, z), z2));
+    const __m128d p4to7 = _mm_add_pd(pair(4, z), _mm_mul_pd(pair(6, z), z2));
+    const __m128d p8to11 = _mm_add_pd(pair(8, z), _mm_mul_pd(pair(10, z), z2));
+    const __m128d p = _mm_add_pd(_mm_add_pd(p0to3, _mm_mul_pd(p4to7, z4)), _mm_mul_pd(p8to11, _mm_mul_pd(z4, z4)));
+    return _mm_add_pd(s, _mm_mul_pd(s, _mm_mul_pd(z, p)));
   };
-  if (q <= 0.5) return series(q);
-  return kPi / 2 - 2 * series(std::sqrt((1 - q) * 0.5));
+  // Lanes up to 1/2 take the series of q, the others (a NaN among them) that of s.
+  const __m128d low = _mm_cmple_pd(q, _mm_set1_pd(0.5));
+  const __m128d s = _mm_sqrt_pd(_mm_mul_pd(_mm_sub_pd(_mm_set1_pd(1), q), _mm_set1_pd(0.5)));
+  const __m128d series_ = series(_mm_or_pd(_mm_and_pd(low, q), _mm_andnot_pd(low, s)));
+  const __m128d high = _mm_sub_pd(_mm_set1_pd(kPi / 2), _mm_mul_pd(_mm_set1_pd(2), series_));
+  return _mm_or_pd(_mm_and_pd(low, series_), _mm_andnot_pd(low, high));
 }
 
 // mix(P, Q, f), with the two ends of an edge without anti-aliasing taken at once.
@@ -116,27 +124,77 @@ class Sheet {
     return delta >= 2 * r_ + 1 ? Sure::B : Sure::Either;
   }
 
-  // The pixel at centre (vx, vy), delta from the fold line, over A (col) and B beneath.
-  uint32_t Pixel(double vx, double vy, double delta, uint32_t pixelA, uint32_t pixelB) const {
+  // Of a pixel of the curl band: q = min(delta, R) / R, the quick arc sine
+  // of q, the weight of the shade 1/2 + sqrt(1 - q^2) / 2 and that of the
+  // shadow beneath, 1/2 + clamp((delta - R) / R, 0, 1) / 2.
+  struct Arc {
+    double q, quickAsin;
+    uint32_t shade, shadow;
+  };
+
+  // The arcs of two pixels, delta from the fold line each.
+  void Arcs(__m128d delta, Arc* two) const {
+    const __m128d r = _mm_set1_pd(r_), half = _mm_set1_pd(0.5);
+    const __m128d q = _mm_div_pd(_mm_min_pd(r, delta), r);  // minpd(R, delta) is std::min(delta, R)
+    const __m128d g = _mm_add_pd(half, _mm_mul_pd(half, _mm_sqrt_pd(_mm_sub_pd(_mm_set1_pd(1), _mm_mul_pd(q, q)))));
+    // Clamped as max, then min: (delta - R) / R is never a NaN here, nor -0.
+    const __m128d dark = _mm_div_pd(_mm_sub_pd(delta, r), r);
+    const __m128d beneath = _mm_add_pd(half, _mm_mul_pd(half, _mm_min_pd(_mm_max_pd(dark, _mm_setzero_pd()), _mm_set1_pd(1))));
+    double qs[2], as[2], gs[2], ss[2];
+    _mm_storeu_pd(qs, q);
+    _mm_storeu_pd(as, QuickAsin(q));
+    _mm_storeu_pd(gs, g);
+    _mm_storeu_pd(ss, beneath);
+    for (int i = 0; i < 2; ++i) two[i] = {qs[i], as[i], ShadeWeight(gs[i]), ShadeWeight(ss[i])};
+  }
+
+  // The arcs of a row's pixels, worked out for two neighbouring columns at
+  // a time as the row's pixels, column by column, ask for them: delta =
+  // (along[x] + across) - F as the row forms it.
+  class RowArcs {
+   public:
+    RowArcs(const Sheet& sheet, const double* along, double across, int32_t width)
+        : sheet_(sheet), along_(along), across_(across), width_(width) {}
+    const Arc& Of(int32_t x) {
+      if (x != first_ && x != first_ + 1) {
+        const int32_t next = x + 1 < width_ ? x + 1 : x;
+        const __m128d delta = _mm_sub_pd(_mm_add_pd(_mm_setr_pd(along_[x], along_[next]), _mm_set1_pd(across_)),
+                                         _mm_set1_pd(sheet_.Fold()));
+        sheet_.Arcs(delta, pair_);
+        first_ = x;
+      }
+      return pair_[x - first_];
+    }
+
+   private:
+    const Sheet& sheet_;
+    const double* along_;
+    double across_;
+    int32_t width_;
+    int32_t first_ = -2;
+    Arc pair_[2];
+  };
+
+  // The pixel at centre (vx, vy) of column x, delta from the fold line, over A (col) and B beneath.
+  uint32_t Pixel(int32_t x, double vx, double vy, double delta, uint32_t pixelA, uint32_t pixelB, RowArcs& arcs) const {
     if (delta <= 0) {  // the sheet still lies here; the flat flap may lie over it
       return Top(pixelA, At(vx, vy, piR_ - delta, delta), kUnshaded, 1, nullptr);
     }
     uint32_t col = pixelB;
-    if (s_.shadow && Inside(At(vx, vy, 0, delta))) {
-      col = ShadeWeighted(col, ShadeWeight(0.5 + 0.5 * std::clamp((delta - r_) / r_, 0.0, 1.0)));
-    }
+    const bool shadowed = s_.shadow && Inside(At(vx, vy, 0, delta));
     const double rim = s_.antiAlias ? std::clamp((r_ - delta) + 0.5, 0.0, 1.0) : (delta < r_ ? 1.0 : 0.0);
     // Beyond the curl band no layer gets any weight: mix with 0 keeps col.
-    if (MixWeight(rim) == 0) return col;
-    const double dc = std::min(delta, r_);
-    const double q = dc / r_;
-    const uint32_t shade = ShadeWeight(0.5 + 0.5 * std::sqrt(1 - q * q));
+    if (MixWeight(rim) == 0) {
+      return shadowed ? ShadeWeighted(col, ShadeWeight(0.5 + 0.5 * std::clamp((delta - r_) / r_, 0.0, 1.0))) : col;
+    }
+    const Arc& arc = arcs.Of(x);
+    if (shadowed) col = ShadeWeighted(col, arc.shadow);
     // The quick arc sine lies within a few ulps of the exact one, which
     // moves S(m) by far less than the margin: unless a floor or a weight of
     // the result lies within the margin of its step, both give this pixel.
     Watch watch(margin_);
-    const uint32_t quick = Curl(col, vx, vy, delta, QuickAsin(q), shade, rim, &watch);
-    return watch.Close() ? Curl(col, vx, vy, delta, Asin(q), shade, rim, nullptr) : quick;
+    const uint32_t quick = Curl(col, vx, vy, delta, arc.quickAsin, arc.shade, rim, &watch);
+    return watch.Close() ? Curl(col, vx, vy, delta, Asin(arc.q), arc.shade, rim, nullptr) : quick;
   }
 
  private:
@@ -264,7 +322,8 @@ int32_t PeelRender(t_KrRenderInfo* ri) {
     const int32_t begin = FirstColumn(f.width, [&](int32_t x) { return rank(x) >= 1; });
     const int32_t end = FirstColumn(f.width, [&](int32_t x) { return rank(x) >= 2; });
     CopyRun(out, rising ? rowA : rowB, begin);
-    for (int32_t x = begin; x < end; ++x) out[x] = sheet.Pixel(x + 0.5, vy, delta(x), rowA[x], rowB[x]);
+    Sheet::RowArcs arcs(sheet, along.get(), across, f.width);
+    for (int32_t x = begin; x < end; ++x) out[x] = sheet.Pixel(x, x + 0.5, vy, delta(x), rowA[x], rowB[x], arcs);
     CopyRun(out + end, (rising ? rowB : rowA) + end, f.width - end);
   }
   return 1;
