@@ -28,6 +28,7 @@ pairs=(
   "Clock|radial|same"
   "Center Zoom|zoomin|near: ours grows B out of the centre, xfade zooms into A as it fades to B"
   "Cross Stretch|squeezeh|near: ours squeezes A sideways as B stretches in, xfade squeezes A to a band over B"
+  "Sliding Doors|vertopen|near: ours slides A's two halves apart, xfade uncovers a band of B widening from the middle"
 )
 sizes=(1920x1080 720x576)
 declare -A frames=([1920x1080]=50 [720x576]=100)
