@@ -175,6 +175,45 @@ class Sheet {
     Arc pair_[2];
   };
 
+  // Columns [x0, x1) of a row, all with delta <= 0: where the sheet still
+  // lies, under the flat flap when it reaches there. As Pixel paints them,
+  // in a loop of its own that holds only what the flap needs.
+  template <bool kTransparent, bool kAntiAlias>
+  __attribute__((noinline)) void FlapRun(PixelWord* out, const PixelWord* rowA, const double* along, double across,
+                                         double vy, int32_t x0, int32_t x1) const {
+    const double fold = f_, piR = piR_, nx = nx_, ny = ny_, w = w_, h = h_;
+    const uint32_t back = s_.back;
+    const ClampedFrame a = a_;
+    for (int32_t x = x0; x < x1; ++x) {
+      const double delta = (along[x] + across) - fold;
+      const double m = (piR - delta) - delta;  // At(vx, vy, piR - delta, delta)
+      const double sx = (x + 0.5) + m * nx, sy = vy + m * ny;
+      double coverage;
+      if (kAntiAlias) {
+        coverage = std::clamp(std::min(std::min(sx, w - sx), std::min(sy, h - sy)) + 0.5, 0.0, 1.0);
+      } else {
+        coverage = 0 <= sx && sx < w && 0 <= sy && sy < h ? 1 : 0;
+      }
+      const uint32_t col = rowA[x];
+      if (coverage == 0) {
+        out[x] = col;
+      } else if (kTransparent) {  // the shade of weight 256 keeps A's pixel
+        out[x] = Over(col, MixWeighted(col, a.Nearest(sx, sy), 128), coverage);
+      } else {
+        out[x] = Over(col, back, coverage);
+      }
+    }
+  }
+
+  // Columns [x0, x1) of a row, all with delta > 0 (the curl's, its shadow's
+  // and maybe B's), painted by Pixel in a loop of their own.
+  __attribute__((noinline)) void LiftedRun(PixelWord* out, const PixelWord* rowA, const PixelWord* rowB,
+                                           const double* along, double across, double vy, int32_t x0,
+                                           int32_t x1) const {
+    RowArcs arcs(*this, along, across, w_);
+    for (int32_t x = x0; x < x1; ++x) out[x] = Pixel(x, x + 0.5, vy, (along[x] + across) - f_, rowA[x], rowB[x], arcs);
+  }
+
   // The pixel at centre (vx, vy) of column x, delta from the fold line, over A (col) and B beneath.
   uint32_t Pixel(int32_t x, double vx, double vy, double delta, uint32_t pixelA, uint32_t pixelB, RowArcs& arcs) const {
     if (delta <= 0) {  // the sheet still lies here; the flat flap may lie over it
@@ -308,6 +347,8 @@ int32_t PeelRender(t_KrRenderInfo* ri) {
   // delta is monotone along a row (nx is never 0), so the pixels it surely
   // decides form a run at each end.
   const bool rising = sheet.Nx() > 0;
+  auto flapRun = s.transparent ? (s.antiAlias ? &Sheet::FlapRun<true, true> : &Sheet::FlapRun<true, false>)
+                               : (s.antiAlias ? &Sheet::FlapRun<false, true> : &Sheet::FlapRun<false, false>);
   for (int32_t y = 0; y < f.height; ++y) {
     const double vy = y + 0.5;
     const double across = vy * sheet.Ny();
@@ -322,8 +363,15 @@ int32_t PeelRender(t_KrRenderInfo* ri) {
     const int32_t begin = FirstColumn(f.width, [&](int32_t x) { return rank(x) >= 1; });
     const int32_t end = FirstColumn(f.width, [&](int32_t x) { return rank(x) >= 2; });
     CopyRun(out, rising ? rowA : rowB, begin);
-    Sheet::RowArcs arcs(sheet, along.get(), across, f.width);
-    for (int32_t x = begin; x < end; ++x) out[x] = sheet.Pixel(x, x + 0.5, vy, delta(x), rowA[x], rowB[x], arcs);
+    // Within [begin, end) the columns with delta <= 0 (the flap's) form a
+    // run at one end, the curl's and the shadow's the rest.
+    const int32_t lifted = begin + FirstColumn(end - begin, [&](int32_t i) {
+                             return !(delta(begin + i) <= 0) == rising;
+                           });
+    const int32_t flap0 = rising ? begin : lifted, flap1 = rising ? lifted : end;
+    const int32_t curl0 = rising ? lifted : begin, curl1 = rising ? end : lifted;
+    (sheet.*flapRun)(out, rowA, along.get(), across, vy, flap0, flap1);
+    sheet.LiftedRun(out, rowA, rowB, along.get(), across, vy, curl0, curl1);
     CopyRun(out + end, (rising ? rowB : rowA) + end, f.width - end);
   }
   return 1;
