@@ -177,14 +177,15 @@ class Sheet {
 
   // Columns [x0, x1) of a row, all with delta <= 0: where the sheet still
   // lies, under the flat flap when it reaches there. As Pixel paints them,
-  // in a loop of its own that holds only what the flap needs.
+  // in a loop of its own that holds only what the flap needs, four columns
+  // at a time where the flap covers all four whole.
   template <bool kTransparent, bool kAntiAlias>
   __attribute__((noinline)) void FlapRun(PixelWord* out, const PixelWord* rowA, const double* along, double across,
                                          double vy, int32_t x0, int32_t x1) const {
     const double fold = f_, piR = piR_, nx = nx_, ny = ny_, w = w_, h = h_;
     const uint32_t back = s_.back;
     const ClampedFrame a = a_;
-    for (int32_t x = x0; x < x1; ++x) {
+    auto one = [&](int32_t x) {
       const double delta = (along[x] + across) - fold;
       const double m = (piR - delta) - delta;  // At(vx, vy, piR - delta, delta)
       const double sx = (x + 0.5) + m * nx, sy = vy + m * ny;
@@ -202,7 +203,58 @@ class Sheet {
       } else {
         out[x] = Over(col, back, coverage);
       }
+    };
+    // S(m) of two columns, and whether the flap covers both whole: then
+    // S(m) lies in [0, w) x [0, h), where truncation is the floor and the
+    // frame's clamp keeps the place. minpd(b, a) is std::min(a, b), NaNs
+    // included; a NaN fails every test and goes the single way.
+    const __m128d vFold = _mm_set1_pd(fold), vPiR = _mm_set1_pd(piR), vAcross = _mm_set1_pd(across);
+    const __m128d vNx = _mm_set1_pd(nx), vNy = _mm_set1_pd(ny), vVy = _mm_set1_pd(vy);
+    const __m128d vW = _mm_set1_pd(w), vH = _mm_set1_pd(h), vHalf = _mm_set1_pd(0.5), vOne = _mm_set1_pd(1);
+    auto two = [&](int32_t x, __m128i* place) {
+      const __m128d delta = _mm_sub_pd(_mm_add_pd(_mm_loadu_pd(along + x), vAcross), vFold);
+      const __m128d m = _mm_sub_pd(_mm_sub_pd(vPiR, delta), delta);
+      const __m128d sx = _mm_add_pd(_mm_add_pd(_mm_set1_pd(x), _mm_setr_pd(0.5, 1.5)), _mm_mul_pd(m, vNx));
+      const __m128d sy = _mm_add_pd(vVy, _mm_mul_pd(m, vNy));
+      __m128d whole;
+      if (kAntiAlias) {
+        const __m128d c = _mm_add_pd(_mm_min_pd(_mm_min_pd(_mm_sub_pd(vH, sy), sy), _mm_min_pd(_mm_sub_pd(vW, sx), sx)), vHalf);
+        whole = _mm_cmpge_pd(c, vOne);
+      } else {
+        whole = _mm_and_pd(_mm_and_pd(_mm_cmple_pd(_mm_setzero_pd(), sx), _mm_cmplt_pd(sx, vW)),
+                           _mm_and_pd(_mm_cmple_pd(_mm_setzero_pd(), sy), _mm_cmplt_pd(sy, vH)));
+      }
+      if (kTransparent) {
+        const __m128i col = _mm_cvttpd_epi32(sx), row = _mm_cvttpd_epi32(sy);
+        *place = _mm_unpacklo_epi32(col, row);  // col0 row0 col1 row1
+      }
+      return _mm_movemask_pd(whole);
+    };
+    const __m128i vBack = _mm_set1_epi32(static_cast<int32_t>(back));
+    int32_t x = x0;
+    for (; x + 4 <= x1; x += 4) {
+      __m128i p01 = _mm_setzero_si128(), p23 = _mm_setzero_si128();
+      if ((two(x, &p01) & two(x + 2, &p23)) != 3) {
+        for (int32_t i = 0; i < 4; ++i) one(x + i);
+        continue;
+      }
+      if (!kTransparent) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x), vBack);
+        continue;
+      }
+      // Coverage 1: Over gives mix(col, A(S), 1/2), each byte (col + A + 1) >> 1.
+      alignas(16) int32_t at[8];
+      _mm_store_si128(reinterpret_cast<__m128i*>(at), p01);
+      _mm_store_si128(reinterpret_cast<__m128i*>(at + 4), p23);
+      const size_t stride = static_cast<size_t>(a.width);
+      auto read = [&](int i) {
+        return static_cast<int32_t>(a.pixels[static_cast<size_t>(at[2 * i + 1]) * stride + static_cast<size_t>(at[2 * i])]);
+      };
+      const __m128i flap = _mm_setr_epi32(read(0), read(1), read(2), read(3));
+      const __m128i col = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rowA + x));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x), _mm_avg_epu8(col, flap));
     }
+    for (; x < x1; ++x) one(x);
   }
 
   // Columns [x0, x1) of a row, all with delta > 0 (the curl's, its shadow's
