@@ -87,6 +87,22 @@ uint32_t Over(uint32_t p, uint32_t q, double f) {
   return Mix(p, q, f);
 }
 
+// The first column x in [0, count) with reached(x), for reached false up to
+// some column and true from there on; count when there is none.
+template <typename Reached>
+int32_t FirstColumn(int32_t count, Reached reached) {
+  int32_t lo = 0, hi = count;
+  while (lo < hi) {
+    const int32_t mid = lo + (hi - lo) / 2;
+    if (reached(mid)) {
+      hi = mid;
+    } else {
+      lo = mid + 1;
+    }
+  }
+  return lo;
+}
+
 class Sheet {
  public:
   Sheet(const Settings& s, const FrameRows& f, double p)
@@ -257,23 +273,78 @@ class Sheet {
     for (; x < x1; ++x) one(x);
   }
 
-  // Columns [x0, x1) of a row, all with delta > 0 (the curl's, its shadow's
-  // and maybe B's), painted by Pixel in a loop of their own.
+  // Columns [x0, x1) of a row, all with delta > 0: the curl's, painted by
+  // Pixel, then (beyond the curl, where the rim has no weight; delta rises
+  // or falls along the row) B under the shadow, four columns at a time.
   __attribute__((noinline)) void LiftedRun(PixelWord* out, const PixelWord* rowA, const PixelWord* rowB,
                                            const double* along, double across, double vy, int32_t x0,
                                            int32_t x1) const {
+    const bool rising = nx_ > 0;
+    auto beyond = [&](int32_t x) { return MixWeight(Rim((along[x] + across) - f_)) == 0; };
+    const int32_t split = x0 + FirstColumn(x1 - x0, [&](int32_t i) { return beyond(x0 + i) == rising; });
+    const int32_t curl0 = rising ? x0 : split, curl1 = rising ? split : x1;
+    const int32_t shadow0 = rising ? split : x0, shadow1 = rising ? x1 : split;
     RowArcs arcs(*this, along, across, w_);
-    for (int32_t x = x0; x < x1; ++x) out[x] = Pixel(x, x + 0.5, vy, (along[x] + across) - f_, rowA[x], rowB[x], arcs);
+    for (int32_t x = curl0; x < curl1; ++x) out[x] = Pixel(x, x + 0.5, vy, (along[x] + across) - f_, rowA[x], rowB[x], arcs);
+    if (!s_.shadow) {
+      CopyRun(out + shadow0, rowB + shadow0, shadow1 - shadow0);
+      return;
+    }
+    // Two columns: the shade weight beneath, 256 (which keeps the pixel)
+    // where S(0) lies outside the frame and casts no shadow.
+    const __m128d r = _mm_set1_pd(r_), half = _mm_set1_pd(0.5), fold = _mm_set1_pd(f_), vAcross = _mm_set1_pd(across);
+    const __m128d nx = _mm_set1_pd(nx_), ny = _mm_set1_pd(ny_), vVy = _mm_set1_pd(vy), w = _mm_set1_pd(w_);
+    const __m128d h = _mm_set1_pd(h_), zero = _mm_setzero_pd();
+    auto weights = [&](int32_t x) {
+      const __m128d delta = _mm_sub_pd(_mm_add_pd(_mm_loadu_pd(along + x), vAcross), fold);
+      const __m128d back = _mm_sub_pd(zero, delta);  // At(vx, vy, 0, delta)
+      const __m128d sx = _mm_add_pd(_mm_add_pd(_mm_set1_pd(x), _mm_setr_pd(0.5, 1.5)), _mm_mul_pd(back, nx));
+      const __m128d sy = _mm_add_pd(vVy, _mm_mul_pd(back, ny));
+      const __m128d inside = _mm_and_pd(_mm_and_pd(_mm_cmple_pd(zero, sx), _mm_cmplt_pd(sx, w)),
+                                        _mm_and_pd(_mm_cmple_pd(zero, sy), _mm_cmplt_pd(sy, h)));
+      // Inside the frame delta is finite: (delta - R) / R is no NaN, nor -0,
+      // and clamped as max, then min; g lies in [1/2, 1], where MixWeight
+      // is the truncation of g x 256 + 1/2.
+      const __m128d dark = _mm_div_pd(_mm_sub_pd(delta, r), r);
+      const __m128d g = _mm_add_pd(half, _mm_mul_pd(half, _mm_min_pd(_mm_max_pd(dark, zero), _mm_set1_pd(1))));
+      const __m128d a = _mm_add_pd(_mm_mul_pd(g, _mm_set1_pd(256)), half);
+      return _mm_cvttpd_epi32(_mm_or_pd(_mm_and_pd(inside, a), _mm_andnot_pd(inside, _mm_set1_pd(256))));
+    };
+    const __m128i alpha = _mm_set1_epi32(static_cast<int32_t>(0xFF000000u)), round = _mm_set1_epi16(128);
+    int32_t x = shadow0;
+    for (; x + 4 <= shadow1; x += 4) {
+      // a0 a1 a2 a3, each spread over the four 16-bit lanes of its pixel.
+      const __m128i a = _mm_unpacklo_epi64(weights(x), weights(x + 2));
+      const __m128i a01 = _mm_unpacklo_epi32(a, a), a23 = _mm_unpackhi_epi32(a, a);
+      const __m128i lo = _mm_shufflelo_epi16(_mm_shufflehi_epi16(a01, 0xA0), 0xA0);
+      const __m128i hi = _mm_shufflelo_epi16(_mm_shufflehi_epi16(a23, 0xA0), 0xA0);
+      const __m128i col = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rowB + x));
+      // Each byte P x a + 128 stays below 2^16 (a <= 256), so 16-bit lanes hold it.
+      const __m128i colLo = _mm_unpacklo_epi8(col, _mm_setzero_si128());
+      const __m128i colHi = _mm_unpackhi_epi8(col, _mm_setzero_si128());
+      const __m128i shadedLo = _mm_srli_epi16(_mm_add_epi16(_mm_mullo_epi16(colLo, lo), round), 8);
+      const __m128i shadedHi = _mm_srli_epi16(_mm_add_epi16(_mm_mullo_epi16(colHi, hi), round), 8);
+      const __m128i shaded = _mm_packus_epi16(shadedLo, shadedHi);
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x),
+                       _mm_or_si128(_mm_and_si128(col, alpha), _mm_andnot_si128(alpha, shaded)));
+    }
+    for (; x < shadow1; ++x) out[x] = Pixel(x, x + 0.5, vy, (along[x] + across) - f_, rowA[x], rowB[x], arcs);
+  }
+
+  // The weight of the curl's layers at distance delta from the fold: 1
+  // inside the curl's band, 0 beyond, with a soft edge when anti-aliased.
+  double Rim(double delta) const {
+    return s_.antiAlias ? std::clamp((r_ - delta) + 0.5, 0.0, 1.0) : (delta < r_ ? 1.0 : 0.0);
   }
 
   // The pixel at centre (vx, vy) of column x, delta from the fold line, over A (col) and B beneath.
-  uint32_t Pixel(int32_t x, double vx, double vy, double delta, uint32_t pixelA, uint32_t pixelB, RowArcs& arcs) const {
+  __attribute__((always_inline)) uint32_t Pixel(int32_t x, double vx, double vy, double delta, uint32_t pixelA, uint32_t pixelB, RowArcs& arcs) const {
     if (delta <= 0) {  // the sheet still lies here; the flat flap may lie over it
       return Top(pixelA, At(vx, vy, piR_ - delta, delta), kUnshaded, 1, nullptr);
     }
     uint32_t col = pixelB;
     const bool shadowed = s_.shadow && Inside(At(vx, vy, 0, delta));
-    const double rim = s_.antiAlias ? std::clamp((r_ - delta) + 0.5, 0.0, 1.0) : (delta < r_ ? 1.0 : 0.0);
+    const double rim = Rim(delta);
     // Beyond the curl band no layer gets any weight: mix with 0 keeps col.
     if (MixWeight(rim) == 0) {
       return shadowed ? ShadeWeighted(col, ShadeWeight(0.5 + 0.5 * std::clamp((delta - r_) / r_, 0.0, 1.0))) : col;
@@ -336,7 +407,7 @@ class Sheet {
   }
 
   // The curl at arc angle `as`: the lower curl, front side up, where the top curl has no material; then the top.
-  uint32_t Curl(uint32_t col, double vx, double vy, double delta, double as, uint32_t shade, double rim,
+  __attribute__((always_inline)) uint32_t Curl(uint32_t col, double vx, double vy, double delta, double as, uint32_t shade, double rim,
                 Watch* watch) const {
     const Point lower = At(vx, vy, r_ * as, delta);
     const double lowerCoverage = Covered(lower, rim, watch);
@@ -359,22 +430,6 @@ class Sheet {
   double clearOfFlap_ = 0;
   double margin_ = 0;  // far beyond what an ulp of the arc sine moves, far below a pixel
 };
-
-// The first column x in [0, count) with reached(x), for reached false up to
-// some column and true from there on; count when there is none.
-template <typename Reached>
-int32_t FirstColumn(int32_t count, Reached reached) {
-  int32_t lo = 0, hi = count;
-  while (lo < hi) {
-    const int32_t mid = lo + (hi - lo) / 2;
-    if (reached(mid)) {
-      hi = mid;
-    } else {
-      lo = mid + 1;
-    }
-  }
-  return lo;
-}
 
 int32_t PeelRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, clip.transType)) return 0;
