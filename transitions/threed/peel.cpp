@@ -192,8 +192,8 @@ class Sheet {
   };
 
   // Columns [x0, x1) of a row, all with delta <= 0: where the sheet still
-  // lies, under the flat flap when it reaches there. As Pixel paints them,
-  // in a loop of its own that holds only what the flap needs, four columns
+  // lies: A, under the flat flap's top layer (unshaded) where the flap
+  // reaches. A loop of its own holds only what the flap needs; four columns
   // at a time where the flap covers all four whole.
   template <bool kTransparent, bool kAntiAlias>
   __attribute__((noinline)) void FlapRun(PixelWord* out, const PixelWord* rowA, const double* along, double across,
@@ -276,7 +276,7 @@ class Sheet {
   // Columns [x0, x1) of a row, all with delta > 0: the curl's, painted by
   // Pixel, then (beyond the curl, where the rim has no weight; delta rises
   // or falls along the row) B under the shadow, four columns at a time.
-  __attribute__((noinline)) void LiftedRun(PixelWord* out, const PixelWord* rowA, const PixelWord* rowB,
+  __attribute__((noinline)) void LiftedRun(PixelWord* out, const PixelWord* rowB,
                                            const double* along, double across, double vy, int32_t x0,
                                            int32_t x1) const {
     const bool rising = nx_ > 0;
@@ -285,7 +285,7 @@ class Sheet {
     const int32_t curl0 = rising ? x0 : split, curl1 = rising ? split : x1;
     const int32_t shadow0 = rising ? split : x0, shadow1 = rising ? x1 : split;
     RowArcs arcs(*this, along, across, w_);
-    for (int32_t x = curl0; x < curl1; ++x) out[x] = Pixel(x, x + 0.5, vy, (along[x] + across) - f_, rowA[x], rowB[x], arcs);
+    for (int32_t x = curl0; x < curl1; ++x) out[x] = Pixel(x, x + 0.5, vy, (along[x] + across) - f_, rowB[x], arcs);
     if (!s_.shadow) {
       CopyRun(out + shadow0, rowB + shadow0, shadow1 - shadow0);
       return;
@@ -328,7 +328,7 @@ class Sheet {
       _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x),
                        _mm_or_si128(_mm_and_si128(col, alpha), _mm_andnot_si128(alpha, shaded)));
     }
-    for (; x < shadow1; ++x) out[x] = Pixel(x, x + 0.5, vy, (along[x] + across) - f_, rowA[x], rowB[x], arcs);
+    for (; x < shadow1; ++x) out[x] = Pixel(x, x + 0.5, vy, (along[x] + across) - f_, rowB[x], arcs);
   }
 
   // The weight of the curl's layers at distance delta from the fold: 1
@@ -337,11 +337,10 @@ class Sheet {
     return s_.antiAlias ? std::clamp((r_ - delta) + 0.5, 0.0, 1.0) : (delta < r_ ? 1.0 : 0.0);
   }
 
-  // The pixel at centre (vx, vy) of column x, delta from the fold line, over A (col) and B beneath.
-  __attribute__((always_inline)) uint32_t Pixel(int32_t x, double vx, double vy, double delta, uint32_t pixelA, uint32_t pixelB, RowArcs& arcs) const {
-    if (delta <= 0) {  // the sheet still lies here; the flat flap may lie over it
-      return Top(pixelA, At(vx, vy, piR_ - delta, delta), kUnshaded, 1, nullptr);
-    }
+  // The pixel at centre (vx, vy) of column x where the sheet has lifted,
+  // delta from the fold line (above 0, or a NaN), over B.
+  __attribute__((always_inline)) uint32_t Pixel(int32_t x, double vx, double vy, double delta, uint32_t pixelB,
+                                                RowArcs& arcs) const {
     uint32_t col = pixelB;
     const bool shadowed = s_.shadow && Inside(At(vx, vy, 0, delta));
     const double rim = Rim(delta);
@@ -416,7 +415,7 @@ class Sheet {
   }
 
   // The top layer (material at s, shade weight, coverage factor) over col.
-  uint32_t Top(uint32_t col, Point s, uint32_t shade, double rim, Watch* watch) const {
+  __attribute__((always_inline)) uint32_t Top(uint32_t col, Point s, uint32_t shade, double rim, Watch* watch) const {
     const double coverage = Covered(s, rim, watch);
     if (coverage == 0) return col;
     if (!s_.transparent) return Over(col, shade == kUnshaded ? s_.back : ShadeWeighted(s_.back, shade), coverage);
@@ -478,7 +477,7 @@ int32_t PeelRender(t_KrRenderInfo* ri) {
     const int32_t flap0 = rising ? begin : lifted, flap1 = rising ? lifted : end;
     const int32_t curl0 = rising ? lifted : begin, curl1 = rising ? end : lifted;
     (sheet.*flapRun)(out, rowA, along.get(), across, vy, flap0, flap1);
-    sheet.LiftedRun(out, rowA, rowB, along.get(), across, vy, curl0, curl1);
+    sheet.LiftedRun(out, rowB, along.get(), across, vy, curl0, curl1);
     CopyRun(out + end, (rising ? rowB : rowA) + end, f.width - end);
   }
   return 1;
