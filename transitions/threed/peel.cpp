@@ -164,33 +164,6 @@ class Sheet {
     for (int i = 0; i < 2; ++i) two[i] = {qs[i], as[i], ShadeWeight(gs[i]), ShadeWeight(ss[i])};
   }
 
-  // The arcs of a row's pixels, worked out for two neighbouring columns at
-  // a time as the row's pixels, column by column, ask for them: delta =
-  // (along[x] + across) - F as the row forms it.
-  class RowArcs {
-   public:
-    RowArcs(const Sheet& sheet, const double* along, double across, int32_t width)
-        : sheet_(sheet), along_(along), across_(across), width_(width) {}
-    const Arc& Of(int32_t x) {
-      if (x != first_ && x != first_ + 1) {
-        const int32_t next = x + 1 < width_ ? x + 1 : x;
-        const __m128d delta = _mm_sub_pd(_mm_add_pd(_mm_setr_pd(along_[x], along_[next]), _mm_set1_pd(across_)),
-                                         _mm_set1_pd(sheet_.Fold()));
-        sheet_.Arcs(delta, pair_);
-        first_ = x;
-      }
-      return pair_[x - first_];
-    }
-
-   private:
-    const Sheet& sheet_;
-    const double* along_;
-    double across_;
-    int32_t width_;
-    int32_t first_ = -2;
-    Arc pair_[2];
-  };
-
   // Columns [x0, x1) of a row, all with delta <= 0: where the sheet still
   // lies: A, under the flat flap's top layer (unshaded) where the flap
   // reaches. A loop of its own holds only what the flap needs; four columns
@@ -284,15 +257,30 @@ class Sheet {
     const int32_t split = x0 + FirstColumn(x1 - x0, [&](int32_t i) { return beyond(x0 + i) == rising; });
     const int32_t curl0 = rising ? x0 : split, curl1 = rising ? split : x1;
     const int32_t shadow0 = rising ? split : x0, shadow1 = rising ? x1 : split;
-    RowArcs arcs(*this, along, across, w_);
-    for (int32_t x = curl0; x < curl1; ++x) out[x] = Pixel(x, x + 0.5, vy, (along[x] + across) - f_, rowB[x], arcs);
+    // The curl's arcs a stretch of columns at a time, two at a time (the
+    // last of an odd stretch twice, only a stretch short of kStretch being
+    // odd), ahead of the pixels that use them.
+    const __m128d vAcross = _mm_set1_pd(across), fold = _mm_set1_pd(f_);
+    constexpr int32_t kStretch = 32;
+    Arc arcs[kStretch];
+    for (int32_t c = curl0; c < curl1; c += kStretch) {
+      const int32_t n = std::min(kStretch, curl1 - c);
+      for (int32_t i = 0; i < n; i += 2) {
+        const int32_t next = i + 1 < n ? c + i + 1 : c + i;
+        Arcs(_mm_sub_pd(_mm_add_pd(_mm_setr_pd(along[c + i], along[next]), vAcross), fold), arcs + i);
+      }
+      for (int32_t i = 0; i < n; ++i) {
+        const int32_t x = c + i;
+        out[x] = Pixel(x + 0.5, vy, (along[x] + across) - f_, rowB[x], &arcs[i]);
+      }
+    }
     if (!s_.shadow) {
       CopyRun(out + shadow0, rowB + shadow0, shadow1 - shadow0);
       return;
     }
     // Two columns: the shade weight beneath, 256 (which keeps the pixel)
     // where S(0) lies outside the frame and casts no shadow.
-    const __m128d r = _mm_set1_pd(r_), half = _mm_set1_pd(0.5), fold = _mm_set1_pd(f_), vAcross = _mm_set1_pd(across);
+    const __m128d r = _mm_set1_pd(r_), half = _mm_set1_pd(0.5);
     const __m128d nx = _mm_set1_pd(nx_), ny = _mm_set1_pd(ny_), vVy = _mm_set1_pd(vy), w = _mm_set1_pd(w_);
     const __m128d h = _mm_set1_pd(h_), zero = _mm_setzero_pd();
     auto weights = [&](int32_t x) {
@@ -328,7 +316,7 @@ class Sheet {
       _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x),
                        _mm_or_si128(_mm_and_si128(col, alpha), _mm_andnot_si128(alpha, shaded)));
     }
-    for (; x < shadow1; ++x) out[x] = Pixel(x, x + 0.5, vy, (along[x] + across) - f_, rowB[x], arcs);
+    for (; x < shadow1; ++x) out[x] = Pixel(x + 0.5, vy, (along[x] + across) - f_, rowB[x], nullptr);
   }
 
   // The weight of the curl's layers at distance delta from the fold: 1
@@ -337,10 +325,11 @@ class Sheet {
     return s_.antiAlias ? std::clamp((r_ - delta) + 0.5, 0.0, 1.0) : (delta < r_ ? 1.0 : 0.0);
   }
 
-  // The pixel at centre (vx, vy) of column x where the sheet has lifted,
-  // delta from the fold line (above 0, or a NaN), over B.
-  __attribute__((always_inline)) uint32_t Pixel(int32_t x, double vx, double vy, double delta, uint32_t pixelB,
-                                                RowArcs& arcs) const {
+  // The pixel at centre (vx, vy) where the sheet has lifted, delta from
+  // the fold line (above 0, or a NaN), over B; the column's arcs are read
+  // only within the curl band (none need be given beyond it).
+  __attribute__((always_inline)) uint32_t Pixel(double vx, double vy, double delta, uint32_t pixelB,
+                                                const Arc* arc) const {
     uint32_t col = pixelB;
     const bool shadowed = s_.shadow && Inside(At(vx, vy, 0, delta));
     const double rim = Rim(delta);
@@ -348,14 +337,13 @@ class Sheet {
     if (MixWeight(rim) == 0) {
       return shadowed ? ShadeWeighted(col, ShadeWeight(0.5 + 0.5 * std::clamp((delta - r_) / r_, 0.0, 1.0))) : col;
     }
-    const Arc& arc = arcs.Of(x);
-    if (shadowed) col = ShadeWeighted(col, arc.shadow);
+    if (shadowed) col = ShadeWeighted(col, arc->shadow);
     // The quick arc sine lies within a few ulps of the exact one, which
     // moves S(m) by far less than the margin: unless a floor or a weight of
     // the result lies within the margin of its step, both give this pixel.
     Watch watch(margin_);
-    const uint32_t quick = Curl(col, vx, vy, delta, arc.quickAsin, arc.shade, rim, &watch);
-    return watch.Close() ? Curl(col, vx, vy, delta, Asin(arc.q), arc.shade, rim, nullptr) : quick;
+    const uint32_t quick = Curl(col, vx, vy, delta, arc->quickAsin, arc->shade, rim, &watch);
+    return watch.Close() ? Curl(col, vx, vy, delta, Asin(arc->q), arc->shade, rim, nullptr) : quick;
   }
 
  private:
