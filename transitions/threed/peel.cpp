@@ -87,21 +87,9 @@ uint32_t Over(uint32_t p, uint32_t q, double f) {
   return Mix(p, q, f);
 }
 
-// The first column x in [0, count) with reached(x), for reached false up to
-// some column and true from there on; count when there is none.
+// The first column x in [0, count) with reached(x) (below).
 template <typename Reached>
-int32_t FirstColumn(int32_t count, Reached reached) {
-  int32_t lo = 0, hi = count;
-  while (lo < hi) {
-    const int32_t mid = lo + (hi - lo) / 2;
-    if (reached(mid)) {
-      hi = mid;
-    } else {
-      lo = mid + 1;
-    }
-  }
-  return lo;
-}
+int32_t FirstColumn(int32_t count, Reached reached);
 
 class Sheet {
  public:
@@ -417,6 +405,22 @@ class Sheet {
   double clearOfFlap_ = 0;
   double margin_ = 0;  // far beyond what an ulp of the arc sine moves, far below a pixel
 };
+
+// The first column x in [0, count) with reached(x), for reached false up to
+// some column and true from there on; count when there is none.
+template <typename Reached>
+int32_t FirstColumn(int32_t count, Reached reached) {
+  int32_t lo = 0, hi = count;
+  while (lo < hi) {
+    const int32_t mid = lo + (hi - lo) / 2;
+    if (reached(mid)) {
+      hi = mid;
+    } else {
+      lo = mid + 1;
+    }
+  }
+  return lo;
+}
 
 int32_t PeelRender(t_KrRenderInfo* ri) {
   if (!BeginRender(ri, clip.transType)) return 0;
