@@ -87,6 +87,10 @@ uint32_t Over(uint32_t p, uint32_t q, double f) {
   return Mix(p, q, f);
 }
 
+// The first column x in [0, count) with reached(x) (below).
+template <typename Reached>
+int32_t FirstColumn(int32_t count, Reached reached);
+
 class Sheet {
  public:
   Sheet(const Settings& s, const FrameRows& f, double p)
@@ -148,53 +152,186 @@ class Sheet {
     for (int i = 0; i < 2; ++i) two[i] = {qs[i], as[i], ShadeWeight(gs[i]), ShadeWeight(ss[i])};
   }
 
-  // The arcs of a row's pixels, worked out for two neighbouring columns at
-  // a time as the row's pixels, column by column, ask for them: delta =
-  // (along[x] + across) - F as the row forms it.
-  class RowArcs {
-   public:
-    RowArcs(const Sheet& sheet, const double* along, double across, int32_t width)
-        : sheet_(sheet), along_(along), across_(across), width_(width) {}
-    const Arc& Of(int32_t x) {
-      if (x != first_ && x != first_ + 1) {
-        const int32_t next = x + 1 < width_ ? x + 1 : x;
-        const __m128d delta = _mm_sub_pd(_mm_add_pd(_mm_setr_pd(along_[x], along_[next]), _mm_set1_pd(across_)),
-                                         _mm_set1_pd(sheet_.Fold()));
-        sheet_.Arcs(delta, pair_);
-        first_ = x;
+  // Columns [x0, x1) of a row, all with delta <= 0: where the sheet still
+  // lies: A, under the flat flap's top layer (unshaded) where the flap
+  // reaches. A loop of its own holds only what the flap needs; four columns
+  // at a time where the flap covers all four whole.
+  template <bool kTransparent, bool kAntiAlias>
+  __attribute__((noinline)) void FlapRun(PixelWord* out, const PixelWord* rowA, const double* along, double across,
+                                         double vy, int32_t x0, int32_t x1) const {
+    const double fold = f_, piR = piR_, nx = nx_, ny = ny_, w = w_, h = h_;
+    const uint32_t back = s_.back;
+    const ClampedFrame a = a_;
+    auto one = [&](int32_t x) {
+      const double delta = (along[x] + across) - fold;
+      const double m = (piR - delta) - delta;  // At(vx, vy, piR - delta, delta)
+      const double sx = (x + 0.5) + m * nx, sy = vy + m * ny;
+      double coverage;
+      if (kAntiAlias) {
+        coverage = std::clamp(std::min(std::min(sx, w - sx), std::min(sy, h - sy)) + 0.5, 0.0, 1.0);
+      } else {
+        coverage = 0 <= sx && sx < w && 0 <= sy && sy < h ? 1 : 0;
       }
-      return pair_[x - first_];
+      const uint32_t col = rowA[x];
+      if (coverage == 0) {
+        out[x] = col;
+      } else if (kTransparent) {  // the shade of weight 256 keeps A's pixel
+        out[x] = Over(col, MixWeighted(col, a.Nearest(sx, sy), 128), coverage);
+      } else {
+        out[x] = Over(col, back, coverage);
+      }
+    };
+    // S(m) of two columns, and whether the flap covers both whole: then
+    // S(m) lies in [0, w) x [0, h), where truncation is the floor and the
+    // frame's clamp keeps the place. minpd(b, a) is std::min(a, b), NaNs
+    // included; a NaN fails every test and goes the single way.
+    const __m128d vFold = _mm_set1_pd(fold), vPiR = _mm_set1_pd(piR), vAcross = _mm_set1_pd(across);
+    const __m128d vNx = _mm_set1_pd(nx), vNy = _mm_set1_pd(ny), vVy = _mm_set1_pd(vy);
+    const __m128d vW = _mm_set1_pd(w), vH = _mm_set1_pd(h), vHalf = _mm_set1_pd(0.5), vOne = _mm_set1_pd(1);
+    auto two = [&](int32_t x, __m128i* place) {
+      const __m128d delta = _mm_sub_pd(_mm_add_pd(_mm_loadu_pd(along + x), vAcross), vFold);
+      const __m128d m = _mm_sub_pd(_mm_sub_pd(vPiR, delta), delta);
+      const __m128d sx = _mm_add_pd(_mm_add_pd(_mm_set1_pd(x), _mm_setr_pd(0.5, 1.5)), _mm_mul_pd(m, vNx));
+      const __m128d sy = _mm_add_pd(vVy, _mm_mul_pd(m, vNy));
+      __m128d whole;
+      if (kAntiAlias) {
+        const __m128d c = _mm_add_pd(_mm_min_pd(_mm_min_pd(_mm_sub_pd(vH, sy), sy), _mm_min_pd(_mm_sub_pd(vW, sx), sx)), vHalf);
+        whole = _mm_cmpge_pd(c, vOne);
+      } else {
+        whole = _mm_and_pd(_mm_and_pd(_mm_cmple_pd(_mm_setzero_pd(), sx), _mm_cmplt_pd(sx, vW)),
+                           _mm_and_pd(_mm_cmple_pd(_mm_setzero_pd(), sy), _mm_cmplt_pd(sy, vH)));
+      }
+      if (kTransparent) {
+        const __m128i col = _mm_cvttpd_epi32(sx), row = _mm_cvttpd_epi32(sy);
+        *place = _mm_unpacklo_epi32(col, row);  // col0 row0 col1 row1
+      }
+      return _mm_movemask_pd(whole);
+    };
+    const __m128i vBack = _mm_set1_epi32(static_cast<int32_t>(back));
+    int32_t x = x0;
+    for (; x + 4 <= x1; x += 4) {
+      __m128i p01 = _mm_setzero_si128(), p23 = _mm_setzero_si128();
+      if ((two(x, &p01) & two(x + 2, &p23)) != 3) {
+        for (int32_t i = 0; i < 4; ++i) one(x + i);
+        continue;
+      }
+      if (!kTransparent) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x), vBack);
+        continue;
+      }
+      // Coverage 1: Over gives mix(col, A(S), 1/2), each byte (col + A + 1) >> 1.
+      alignas(16) int32_t at[8];
+      _mm_store_si128(reinterpret_cast<__m128i*>(at), p01);
+      _mm_store_si128(reinterpret_cast<__m128i*>(at + 4), p23);
+      const size_t stride = static_cast<size_t>(a.width);
+      auto read = [&](int i) {
+        return static_cast<int32_t>(a.pixels[static_cast<size_t>(at[2 * i + 1]) * stride + static_cast<size_t>(at[2 * i])]);
+      };
+      const __m128i flap = _mm_setr_epi32(read(0), read(1), read(2), read(3));
+      const __m128i col = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rowA + x));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x), _mm_avg_epu8(col, flap));
     }
+    for (; x < x1; ++x) one(x);
+  }
 
-   private:
-    const Sheet& sheet_;
-    const double* along_;
-    double across_;
-    int32_t width_;
-    int32_t first_ = -2;
-    Arc pair_[2];
-  };
-
-  // The pixel at centre (vx, vy) of column x, delta from the fold line, over A (col) and B beneath.
-  uint32_t Pixel(int32_t x, double vx, double vy, double delta, uint32_t pixelA, uint32_t pixelB, RowArcs& arcs) const {
-    if (delta <= 0) {  // the sheet still lies here; the flat flap may lie over it
-      return Top(pixelA, At(vx, vy, piR_ - delta, delta), kUnshaded, 1, nullptr);
+  // Columns [x0, x1) of a row, all with delta > 0: the curl's, painted by
+  // Pixel, then (beyond the curl, where the rim has no weight; delta rises
+  // or falls along the row) B under the shadow, four columns at a time.
+  __attribute__((noinline)) void LiftedRun(PixelWord* out, const PixelWord* rowB,
+                                           const double* along, double across, double vy, int32_t x0,
+                                           int32_t x1) const {
+    const bool rising = nx_ > 0;
+    auto beyond = [&](int32_t x) { return MixWeight(Rim((along[x] + across) - f_)) == 0; };
+    const int32_t split = x0 + FirstColumn(x1 - x0, [&](int32_t i) { return beyond(x0 + i) == rising; });
+    const int32_t curl0 = rising ? x0 : split, curl1 = rising ? split : x1;
+    const int32_t shadow0 = rising ? split : x0, shadow1 = rising ? x1 : split;
+    // The curl's arcs a stretch of columns at a time, two at a time (the
+    // last of an odd stretch twice, only a stretch short of kStretch being
+    // odd), ahead of the pixels that use them.
+    const __m128d vAcross = _mm_set1_pd(across), fold = _mm_set1_pd(f_);
+    constexpr int32_t kStretch = 32;
+    Arc arcs[kStretch];
+    for (int32_t c = curl0; c < curl1; c += kStretch) {
+      const int32_t n = std::min(kStretch, curl1 - c);
+      for (int32_t i = 0; i < n; i += 2) {
+        const int32_t next = i + 1 < n ? c + i + 1 : c + i;
+        Arcs(_mm_sub_pd(_mm_add_pd(_mm_setr_pd(along[c + i], along[next]), vAcross), fold), arcs + i);
+      }
+      for (int32_t i = 0; i < n; ++i) {
+        const int32_t x = c + i;
+        out[x] = Pixel(x + 0.5, vy, (along[x] + across) - f_, rowB[x], &arcs[i]);
+      }
     }
+    if (!s_.shadow) {
+      CopyRun(out + shadow0, rowB + shadow0, shadow1 - shadow0);
+      return;
+    }
+    // Two columns: the shade weight beneath, 256 (which keeps the pixel)
+    // where S(0) lies outside the frame and casts no shadow.
+    const __m128d r = _mm_set1_pd(r_), half = _mm_set1_pd(0.5);
+    const __m128d nx = _mm_set1_pd(nx_), ny = _mm_set1_pd(ny_), vVy = _mm_set1_pd(vy), w = _mm_set1_pd(w_);
+    const __m128d h = _mm_set1_pd(h_), zero = _mm_setzero_pd();
+    auto weights = [&](int32_t x) {
+      const __m128d delta = _mm_sub_pd(_mm_add_pd(_mm_loadu_pd(along + x), vAcross), fold);
+      const __m128d back = _mm_sub_pd(zero, delta);  // At(vx, vy, 0, delta)
+      const __m128d sx = _mm_add_pd(_mm_add_pd(_mm_set1_pd(x), _mm_setr_pd(0.5, 1.5)), _mm_mul_pd(back, nx));
+      const __m128d sy = _mm_add_pd(vVy, _mm_mul_pd(back, ny));
+      const __m128d inside = _mm_and_pd(_mm_and_pd(_mm_cmple_pd(zero, sx), _mm_cmplt_pd(sx, w)),
+                                        _mm_and_pd(_mm_cmple_pd(zero, sy), _mm_cmplt_pd(sy, h)));
+      // Inside the frame delta is finite: (delta - R) / R is no NaN, nor -0,
+      // and clamped as max, then min; g lies in [1/2, 1], where MixWeight
+      // is the truncation of g x 256 + 1/2.
+      const __m128d dark = _mm_div_pd(_mm_sub_pd(delta, r), r);
+      const __m128d g = _mm_add_pd(half, _mm_mul_pd(half, _mm_min_pd(_mm_max_pd(dark, zero), _mm_set1_pd(1))));
+      const __m128d a = _mm_add_pd(_mm_mul_pd(g, _mm_set1_pd(256)), half);
+      return _mm_cvttpd_epi32(_mm_or_pd(_mm_and_pd(inside, a), _mm_andnot_pd(inside, _mm_set1_pd(256))));
+    };
+    const __m128i alpha = _mm_set1_epi32(static_cast<int32_t>(0xFF000000u)), round = _mm_set1_epi16(128);
+    int32_t x = shadow0;
+    for (; x + 4 <= shadow1; x += 4) {
+      // a0 a1 a2 a3, each spread over the four 16-bit lanes of its pixel.
+      const __m128i a = _mm_unpacklo_epi64(weights(x), weights(x + 2));
+      const __m128i a01 = _mm_unpacklo_epi32(a, a), a23 = _mm_unpackhi_epi32(a, a);
+      const __m128i lo = _mm_shufflelo_epi16(_mm_shufflehi_epi16(a01, 0xA0), 0xA0);
+      const __m128i hi = _mm_shufflelo_epi16(_mm_shufflehi_epi16(a23, 0xA0), 0xA0);
+      const __m128i col = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rowB + x));
+      // Each byte P x a + 128 stays below 2^16 (a <= 256), so 16-bit lanes hold it.
+      const __m128i colLo = _mm_unpacklo_epi8(col, _mm_setzero_si128());
+      const __m128i colHi = _mm_unpackhi_epi8(col, _mm_setzero_si128());
+      const __m128i shadedLo = _mm_srli_epi16(_mm_add_epi16(_mm_mullo_epi16(colLo, lo), round), 8);
+      const __m128i shadedHi = _mm_srli_epi16(_mm_add_epi16(_mm_mullo_epi16(colHi, hi), round), 8);
+      const __m128i shaded = _mm_packus_epi16(shadedLo, shadedHi);
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x),
+                       _mm_or_si128(_mm_and_si128(col, alpha), _mm_andnot_si128(alpha, shaded)));
+    }
+    for (; x < shadow1; ++x) out[x] = Pixel(x + 0.5, vy, (along[x] + across) - f_, rowB[x], nullptr);
+  }
+
+  // The weight of the curl's layers at distance delta from the fold: 1
+  // inside the curl's band, 0 beyond, with a soft edge when anti-aliased.
+  double Rim(double delta) const {
+    return s_.antiAlias ? std::clamp((r_ - delta) + 0.5, 0.0, 1.0) : (delta < r_ ? 1.0 : 0.0);
+  }
+
+  // The pixel at centre (vx, vy) where the sheet has lifted, delta from
+  // the fold line (above 0, or a NaN), over B; the column's arcs are read
+  // only within the curl band (none need be given beyond it).
+  __attribute__((always_inline)) uint32_t Pixel(double vx, double vy, double delta, uint32_t pixelB,
+                                                const Arc* arc) const {
     uint32_t col = pixelB;
     const bool shadowed = s_.shadow && Inside(At(vx, vy, 0, delta));
-    const double rim = s_.antiAlias ? std::clamp((r_ - delta) + 0.5, 0.0, 1.0) : (delta < r_ ? 1.0 : 0.0);
+    const double rim = Rim(delta);
     // Beyond the curl band no layer gets any weight: mix with 0 keeps col.
     if (MixWeight(rim) == 0) {
       return shadowed ? ShadeWeighted(col, ShadeWeight(0.5 + 0.5 * std::clamp((delta - r_) / r_, 0.0, 1.0))) : col;
     }
-    const Arc& arc = arcs.Of(x);
-    if (shadowed) col = ShadeWeighted(col, arc.shadow);
+    if (shadowed) col = ShadeWeighted(col, arc->shadow);
     // The quick arc sine lies within a few ulps of the exact one, which
     // moves S(m) by far less than the margin: unless a floor or a weight of
     // the result lies within the margin of its step, both give this pixel.
     Watch watch(margin_);
-    const uint32_t quick = Curl(col, vx, vy, delta, arc.quickAsin, arc.shade, rim, &watch);
-    return watch.Close() ? Curl(col, vx, vy, delta, Asin(arc.q), arc.shade, rim, nullptr) : quick;
+    const uint32_t quick = Curl(col, vx, vy, delta, arc->quickAsin, arc->shade, rim, &watch);
+    return watch.Close() ? Curl(col, vx, vy, delta, Asin(arc->q), arc->shade, rim, nullptr) : quick;
   }
 
  private:
@@ -245,7 +382,7 @@ class Sheet {
   }
 
   // The curl at arc angle `as`: the lower curl, front side up, where the top curl has no material; then the top.
-  uint32_t Curl(uint32_t col, double vx, double vy, double delta, double as, uint32_t shade, double rim,
+  __attribute__((always_inline)) uint32_t Curl(uint32_t col, double vx, double vy, double delta, double as, uint32_t shade, double rim,
                 Watch* watch) const {
     const Point lower = At(vx, vy, r_ * as, delta);
     const double lowerCoverage = Covered(lower, rim, watch);
@@ -254,7 +391,7 @@ class Sheet {
   }
 
   // The top layer (material at s, shade weight, coverage factor) over col.
-  uint32_t Top(uint32_t col, Point s, uint32_t shade, double rim, Watch* watch) const {
+  __attribute__((always_inline)) uint32_t Top(uint32_t col, Point s, uint32_t shade, double rim, Watch* watch) const {
     const double coverage = Covered(s, rim, watch);
     if (coverage == 0) return col;
     if (!s_.transparent) return Over(col, shade == kUnshaded ? s_.back : ShadeWeighted(s_.back, shade), coverage);
@@ -308,6 +445,8 @@ int32_t PeelRender(t_KrRenderInfo* ri) {
   // delta is monotone along a row (nx is never 0), so the pixels it surely
   // decides form a run at each end.
   const bool rising = sheet.Nx() > 0;
+  auto flapRun = s.transparent ? (s.antiAlias ? &Sheet::FlapRun<true, true> : &Sheet::FlapRun<true, false>)
+                               : (s.antiAlias ? &Sheet::FlapRun<false, true> : &Sheet::FlapRun<false, false>);
   for (int32_t y = 0; y < f.height; ++y) {
     const double vy = y + 0.5;
     const double across = vy * sheet.Ny();
@@ -322,8 +461,15 @@ int32_t PeelRender(t_KrRenderInfo* ri) {
     const int32_t begin = FirstColumn(f.width, [&](int32_t x) { return rank(x) >= 1; });
     const int32_t end = FirstColumn(f.width, [&](int32_t x) { return rank(x) >= 2; });
     CopyRun(out, rising ? rowA : rowB, begin);
-    Sheet::RowArcs arcs(sheet, along.get(), across, f.width);
-    for (int32_t x = begin; x < end; ++x) out[x] = sheet.Pixel(x, x + 0.5, vy, delta(x), rowA[x], rowB[x], arcs);
+    // Within [begin, end) the columns with delta <= 0 (the flap's) form a
+    // run at one end, the curl's and the shadow's the rest.
+    const int32_t lifted = begin + FirstColumn(end - begin, [&](int32_t i) {
+                             return !(delta(begin + i) <= 0) == rising;
+                           });
+    const int32_t flap0 = rising ? begin : lifted, flap1 = rising ? lifted : end;
+    const int32_t curl0 = rising ? lifted : begin, curl1 = rising ? end : lifted;
+    (sheet.*flapRun)(out, rowA, along.get(), across, vy, flap0, flap1);
+    sheet.LiftedRun(out, rowB, along.get(), across, vy, curl0, curl1);
     CopyRun(out + end, (rising ? rowB : rowA) + end, f.width - end);
   }
   return 1;

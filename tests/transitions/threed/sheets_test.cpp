@@ -151,6 +151,11 @@ TEST(Sheets, WhatEachPartShows) {
       {"Peel", "the shadow near the curl, 0.5788", 0.5, {{"Shadow", 1}}, 40, 20, Shaded(kGrey, 148), kGrey},
       {"Peel", "A seen through its own back", 0.5, {{"Shadow", 0}, {"Transparent", 1}}, 30, 30,
        Mixed(Code(kTagA, 30, 30), Code(kTagA, 57, 8), 128)},
+      // (21, 30): delta = -11.82, the flap's material from (59.59, 0.03),
+      // half a pixel from the top: covered 0.5265, weight 135 (the flap's
+      // single-column way; (30, 30) above goes four columns at a time).
+      {"Peel", "A seen through the flap's soft edge", 0.5, {{"Shadow", 0}, {"Transparent", 1}, {"IsAntiAlias", 1}}, 21,
+       30, Mixed(Code(kTagA, 21, 30), Mixed(Code(kTagA, 21, 30), Code(kTagA, 59, 0), 128), 135)},
       {"Peel", "Top Left: the mirrored flap", 0.5, {{"Corner", 0}}, 69, 49, kBack},
       // At 0.1 F = 64.38: (90, 3) has lifted (delta = 4.10), the upper curl's
       // material lies outside the frame, the lower curl's comes from (90.66,
