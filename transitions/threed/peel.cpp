@@ -75,9 +75,9 @@ __m128d QuickAsin(__m128d q) {
   // Lanes up to 1/2 take the series of q, the others (a NaN among them) that of s.
   const __m128d low = _mm_cmple_pd(q, _mm_set1_pd(0.5));
   const __m128d s = _mm_sqrt_pd(_mm_mul_pd(_mm_sub_pd(_mm_set1_pd(1), q), _mm_set1_pd(0.5)));
-  const __m128d series_ = series(_mm_or_pd(_mm_and_pd(low, q), _mm_andnot_pd(low, s)));
-  const __m128d high = _mm_sub_pd(_mm_set1_pd(kPi / 2), _mm_mul_pd(_mm_set1_pd(2), series_));
-  return _mm_or_pd(_mm_and_pd(low, series_), _mm_andnot_pd(low, high));
+  const __m128d summed = series(_mm_or_pd(_mm_and_pd(low, q), _mm_andnot_pd(low, s)));
+  const __m128d high = _mm_sub_pd(_mm_set1_pd(kPi / 2), _mm_mul_pd(_mm_set1_pd(2), summed));
+  return _mm_or_pd(_mm_and_pd(low, summed), _mm_andnot_pd(low, high));
 }
 
 // mix(P, Q, f), with the two ends of an edge without anti-aliasing taken at once.
@@ -143,7 +143,8 @@ class Sheet {
     const __m128d g = _mm_add_pd(half, _mm_mul_pd(half, _mm_sqrt_pd(_mm_sub_pd(_mm_set1_pd(1), _mm_mul_pd(q, q)))));
     // Clamped as max, then min: (delta - R) / R is never a NaN here, nor -0.
     const __m128d dark = _mm_div_pd(_mm_sub_pd(delta, r), r);
-    const __m128d beneath = _mm_add_pd(half, _mm_mul_pd(half, _mm_min_pd(_mm_max_pd(dark, _mm_setzero_pd()), _mm_set1_pd(1))));
+    const __m128d darkClamped = _mm_min_pd(_mm_max_pd(dark, _mm_setzero_pd()), _mm_set1_pd(1));
+    const __m128d beneath = _mm_add_pd(half, _mm_mul_pd(half, darkClamped));
     double qs[2], as[2], gs[2], ss[2];
     _mm_storeu_pd(qs, q);
     _mm_storeu_pd(as, QuickAsin(q));
@@ -195,7 +196,8 @@ class Sheet {
       const __m128d sy = _mm_add_pd(vVy, _mm_mul_pd(m, vNy));
       __m128d whole;
       if (kAntiAlias) {
-        const __m128d c = _mm_add_pd(_mm_min_pd(_mm_min_pd(_mm_sub_pd(vH, sy), sy), _mm_min_pd(_mm_sub_pd(vW, sx), sx)), vHalf);
+        const __m128d nearest = _mm_min_pd(_mm_min_pd(_mm_sub_pd(vH, sy), sy), _mm_min_pd(_mm_sub_pd(vW, sx), sx));
+        const __m128d c = _mm_add_pd(nearest, vHalf);
         whole = _mm_cmpge_pd(c, vOne);
       } else {
         whole = _mm_and_pd(_mm_and_pd(_mm_cmple_pd(_mm_setzero_pd(), sx), _mm_cmplt_pd(sx, vW)),
@@ -225,7 +227,8 @@ class Sheet {
       _mm_store_si128(reinterpret_cast<__m128i*>(at + 4), p23);
       const size_t stride = static_cast<size_t>(a.width);
       auto read = [&](int i) {
-        return static_cast<int32_t>(a.pixels[static_cast<size_t>(at[2 * i + 1]) * stride + static_cast<size_t>(at[2 * i])]);
+        const size_t place = static_cast<size_t>(at[2 * i + 1]) * stride + static_cast<size_t>(at[2 * i]);
+        return static_cast<int32_t>(a.pixels[place]);
       };
       const __m128i flap = _mm_setr_epi32(read(0), read(1), read(2), read(3));
       const __m128i col = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rowA + x));
@@ -382,8 +385,8 @@ class Sheet {
   }
 
   // The curl at arc angle `as`: the lower curl, front side up, where the top curl has no material; then the top.
-  __attribute__((always_inline)) uint32_t Curl(uint32_t col, double vx, double vy, double delta, double as, uint32_t shade, double rim,
-                Watch* watch) const {
+  __attribute__((always_inline)) uint32_t Curl(uint32_t col, double vx, double vy, double delta, double as,
+                                               uint32_t shade, double rim, Watch* watch) const {
     const Point lower = At(vx, vy, r_ * as, delta);
     const double lowerCoverage = Covered(lower, rim, watch);
     if (MixWeight(lowerCoverage) != 0) col = Over(col, ShadeWeighted(a_.Nearest(lower.x, lower.y), shade), lowerCoverage);
