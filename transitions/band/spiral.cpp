@@ -179,7 +179,7 @@ class TurnedA {
   // the reads of a turned A cross its rows, and one row ahead leaves them
   // waiting on the memory.
   void PaintSoftTile(int32_t y0, const RowRuns* runs, int32_t n, ColumnRange tile) const {
-    Taps taps[kTapRows][kTileColumns + 1];
+    TapPair taps[kTapRows][kTileColumns / 2 + 1];
     const TileColumns columns = ColumnsOf(tile);
     // Within the tile even where the row shows nothing of A there.
     auto wholeOf = [&](int32_t i) {
@@ -213,12 +213,13 @@ class TurnedA {
     }
   }
 
-  // Where a sample's four pixels lie, the place row x W + c of the first in
-  // A, and its weights in 256ths across and up, each pair (256 - f) | f << 16
-  // as pmaddwd takes it.
-  struct Taps {
-    uint64_t at;
-    int32_t wx, wy;
+  // Where the samples of two columns side by side lie: the places row x W
+  // + c of the first of each one's four pixels in A, then their weights in
+  // 256ths across (both) and up (both), each pair (256 - f) | f << 16 as
+  // pmaddwd takes it.
+  struct TapPair {
+    uint64_t at[2];
+    int32_t weights[4];
   };
 
   static int32_t WeightPair(int32_t f) { return (256 - f) | (f << 16); }
@@ -246,7 +247,7 @@ class TurnedA {
   // The taps of a run of at most a tile, two columns at a time in SSE2
   // doubles, each value rounded as the scalar formulas round it; their
   // pixels are asked of the cache as they are found.
-  void FindTaps(int32_t y, ColumnRange run, const TileColumns& columns, Taps* taps) const {
+  void FindTaps(int32_t y, ColumnRange run, const TileColumns& columns, TapPair* taps) const {
     const Row r = RowOf(y);
     const __m128d half = _mm_set1_pd(0.5), scale = _mm_set1_pd(256.0), cx = _mm_set1_pd(cx_), cy = _mm_set1_pd(cy_);
     const __m128d yk2 = _mm_set1_pd(r.yk2), yk1 = _mm_set1_pd(r.yk1);
@@ -267,11 +268,10 @@ class TurnedA {
       auto fraction256 = [&](__m128d s, __m128i whole) {
         return _mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(_mm_sub_pd(s, _mm_cvtepi32_pd(whole)), scale), half));
       };
-      // The four weights at once, then each column's across and up side by side.
+      // The four weights at once.
       const __m128i weights = WeightPairs(_mm_unpacklo_epi64(fraction256(us, c), fraction256(vs, row)));
-      const __m128i pairs = _mm_shuffle_epi32(weights, _MM_SHUFFLE(3, 1, 2, 0));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i]), _mm_unpacklo_epi64(at, pairs));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i + 1]), _mm_unpackhi_epi64(at, pairs));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(taps[i / 2].at), at);
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(taps[i / 2].weights), weights);
       // Only the first of the two is asked for: the second's pixels lie
       // beside them, or on lines the next pair asks for.
       const PixelWord* p0 = a + FirstPlace(at);
@@ -290,17 +290,22 @@ class TurnedA {
   }
 
   // The samples of a run's taps, two at a time.
-  void WeighTaps(int32_t y, ColumnRange run, const Taps* taps) const {
+  void WeighTaps(int32_t y, ColumnRange run, const TapPair* taps) const {
     const PixelWord* a = rows_.inputA;
     const size_t width = static_cast<size_t>(rows_.width);
     PixelWord* out = rows_.Out(y) + run.begin;
     const int32_t n = run.end - run.begin;
-    int32_t i = 0;
-    for (; i + 1 < n; i += 2) {
-      const __m128i bytes = _mm_packs_epi32(Weigh(a, width, taps[i]), Weigh(a, width, taps[i + 1]));
-      _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), _mm_packus_epi16(bytes, bytes));
+    const TapPair* t = taps;
+    for (const PixelWord* end = out + (n & ~1); out != end; out += 2, ++t) {
+      const __m128i w = _mm_loadu_si128(reinterpret_cast<const __m128i*>(t->weights));
+      const __m128i first = Weigh(a + static_cast<size_t>(t->at[0]), width, _mm_shuffle_epi32(w, _MM_SHUFFLE(0, 0, 0, 0)),
+                                  _mm_shuffle_epi32(w, _MM_SHUFFLE(2, 2, 2, 2)));
+      const __m128i second = Weigh(a + static_cast<size_t>(t->at[1]), width, _mm_shuffle_epi32(w, _MM_SHUFFLE(1, 1, 1, 1)),
+                                   _mm_shuffle_epi32(w, _MM_SHUFFLE(3, 3, 3, 3)));
+      const __m128i bytes = _mm_packs_epi32(first, second);
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(bytes, bytes));
     }
-    if (i < n) out[i] = Pixel(Weigh(a, width, taps[i]));
+    if (n & 1) *out = Pixel(Weigh(a + static_cast<size_t>(t->at[0]), width, _mm_set1_epi32(t->weights[0]), _mm_set1_epi32(t->weights[2])));
   }
 
   // The bilinear sample of A; where its four pixels all lie inside the frame
@@ -312,8 +317,8 @@ class TurnedA {
     const int32_t fx = static_cast<int32_t>((us - c) * 256.0 + 0.5);
     const int32_t fy = static_cast<int32_t>((vs - row) * 256.0 + 0.5);
     const size_t width = static_cast<size_t>(rows_.width);
-    const uint64_t at = static_cast<size_t>(row) * width + static_cast<size_t>(c);
-    return Pixel(Weigh(rows_.inputA, width, {at, WeightPair(fx), WeightPair(fy)}));
+    const size_t at = static_cast<size_t>(row) * width + static_cast<size_t>(c);
+    return Pixel(Weigh(rows_.inputA + at, width, _mm_set1_epi32(WeightPair(fx)), _mm_set1_epi32(WeightPair(fy))));
   }
 
   static uint32_t Pixel(__m128i bytes) {
@@ -327,16 +332,14 @@ class TurnedA {
   // P0 x (256 - fy) + P1 x fy; then across. Both sums are below 2^16, and
   // less 2^15 they fit pmaddwd's signed halves; the 2^15 x 256 so taken off
   // comes back with the 2^15 of the rounding.
-  static __m128i Weigh(const PixelWord* a, size_t width, const Taps& t) {
-    const PixelWord* p0 = a + static_cast<size_t>(t.at);
+  static __m128i Weigh(const PixelWord* p0, size_t width, __m128i wx, __m128i wy) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i rows = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0)),
                                            _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0 + width)));
-    const __m128i wy = _mm_set1_epi32(t.wy);
     const __m128i left = _mm_madd_epi16(_mm_unpacklo_epi8(rows, zero), wy);
     const __m128i right = _mm_madd_epi16(_mm_unpackhi_epi8(rows, zero), wy);
     const __m128i pairs = _mm_xor_si128(_mm_or_si128(left, _mm_slli_epi32(right, 16)), _mm_set1_epi16(INT16_MIN));
-    const __m128i sum = _mm_add_epi32(_mm_madd_epi16(pairs, _mm_set1_epi32(t.wx)), _mm_set1_epi32(32768 * 257));
+    const __m128i sum = _mm_add_epi32(_mm_madd_epi16(pairs, wx), _mm_set1_epi32(32768 * 257));
     return _mm_srli_epi32(sum, 16);
   }
 
