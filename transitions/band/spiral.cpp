@@ -54,7 +54,8 @@ class TurnedA {
         k2_(Sin(theta) / g),
         cx_(rows.width * 0.5),
         cy_(rows.height * 0.5),
-        antiAlias_(antiAlias) {}
+        antiAlias_(antiAlias),
+        scaledTaps_(rows.width < (1 << 22) && rows.height < (1 << 22)) {}
 
   // Bands of rows, each painted in tiles of columns: the turned A pixels a
   // tile reads lie close together and stay in the caches.
@@ -247,9 +248,18 @@ class TurnedA {
   // The taps of a run of at most a tile, two columns at a time in SSE2
   // doubles, each value rounded as the scalar formulas round it; their
   // pixels are asked of the cache as they are found.
+  //
+  // Inside A, u - 0.5 >= 0 is exact, and so are (u - 0.5 - c) x 256 and that
+  // plus 0.5: c x 256 + the weight is floor(u x 256 - 127.5), the difference
+  // also exact while u x 256 stays below 2^52, and an int32 while the frame
+  // is under 2^22 pixels across and down. One truncation then gives both
+  // c and the weight, but for the weight 256, which it reads as c + 1 with
+  // weight 0: the same sample, the next pixel weighed alone either way. It
+  // is taken so wherever the pixel after c + 1 still lies in A (where it
+  // does not, c is taken back), so no read leaves A.
   void FindTaps(int32_t y, ColumnRange run, const TileColumns& columns, TapPair* taps) const {
     const Row r = RowOf(y);
-    const __m128d half = _mm_set1_pd(0.5), scale = _mm_set1_pd(256.0), cx = _mm_set1_pd(cx_), cy = _mm_set1_pd(cy_);
+    const __m128d cx = _mm_set1_pd(cx_), cy = _mm_set1_pd(cy_);
     const __m128d yk2 = _mm_set1_pd(r.yk2), yk1 = _mm_set1_pd(r.yk1);
     const __m128i width = _mm_set1_epi32(rows_.width), zero = _mm_setzero_si128();
     const double* xk1 = columns.xk1 + (run.begin - columns.begin);
@@ -257,26 +267,45 @@ class TurnedA {
     const int32_t n = run.end - run.begin;
     const PixelWord* a = rows_.inputA;
     const size_t w = static_cast<size_t>(rows_.width);
-    for (int32_t i = 0; i < n; i += 2) {
-      const __m128d us = _mm_sub_pd(_mm_add_pd(cx, _mm_sub_pd(_mm_loadu_pd(xk1 + i), yk2)), half);
-      const __m128d vs = _mm_sub_pd(_mm_add_pd(cy, _mm_add_pd(_mm_loadu_pd(xk2 + i), yk1)), half);
-      // Inside A both are positive: truncation is floor, and row x W + c
-      // is formed in 64 bits.
-      const __m128i c = _mm_cvttpd_epi32(us), row = _mm_cvttpd_epi32(vs);
-      const __m128i rowStart = _mm_mul_epu32(_mm_unpacklo_epi32(row, zero), width);
-      const __m128i at = _mm_add_epi64(rowStart, _mm_unpacklo_epi32(c, zero));
-      auto fraction256 = [&](__m128d s, __m128i whole) {
-        return _mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(_mm_sub_pd(s, _mm_cvtepi32_pd(whole)), scale), half));
-      };
-      // The four weights at once.
-      const __m128i weights = WeightPairs(_mm_unpacklo_epi64(fraction256(us, c), fraction256(vs, row)));
+    auto store = [&](int32_t i, __m128i at, __m128i fractions) {
       _mm_storeu_si128(reinterpret_cast<__m128i*>(taps[i / 2].at), at);
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(taps[i / 2].weights), weights);
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(taps[i / 2].weights), WeightPairs(fractions));
       // Only the first of the two is asked for: the second's pixels lie
       // beside them, or on lines the next pair asks for.
       const PixelWord* p0 = a + FirstPlace(at);
       __builtin_prefetch(p0);
       __builtin_prefetch(p0 + w);
+    };
+    // Row x W + c of the first pixels, c in lanes 0 and 1, rows in 2 and 3,
+    // formed in 64 bits.
+    auto places = [&](__m128i wholes) {
+      const __m128i rowStart = _mm_mul_epu32(_mm_shuffle_epi32(wholes, _MM_SHUFFLE(3, 3, 2, 2)), width);
+      return _mm_add_epi64(rowStart, _mm_unpacklo_epi32(wholes, zero));
+    };
+    if (scaledTaps_) {
+      const __m128d scale = _mm_set1_pd(256.0), offset = _mm_set1_pd(127.5);
+      const __m128i lastFirst = _mm_setr_epi32(rows_.width - 2, rows_.width - 2, rows_.height - 2, rows_.height - 2);
+      for (int32_t i = 0; i < n; i += 2) {
+        const __m128d u = _mm_add_pd(cx, _mm_sub_pd(_mm_loadu_pd(xk1 + i), yk2));
+        const __m128d v = _mm_add_pd(cy, _mm_add_pd(_mm_loadu_pd(xk2 + i), yk1));
+        const __m128i scaled = _mm_unpacklo_epi64(_mm_cvttpd_epi32(_mm_sub_pd(_mm_mul_pd(u, scale), offset)),
+                                                  _mm_cvttpd_epi32(_mm_sub_pd(_mm_mul_pd(v, scale), offset)));
+        __m128i wholes = _mm_srli_epi32(scaled, 8);
+        wholes = _mm_add_epi32(wholes, _mm_cmpgt_epi32(wholes, lastFirst));
+        store(i, places(wholes), _mm_sub_epi32(scaled, _mm_slli_epi32(wholes, 8)));
+      }
+      return;
+    }
+    const __m128d half = _mm_set1_pd(0.5), scale = _mm_set1_pd(256.0);
+    for (int32_t i = 0; i < n; i += 2) {
+      const __m128d us = _mm_sub_pd(_mm_add_pd(cx, _mm_sub_pd(_mm_loadu_pd(xk1 + i), yk2)), half);
+      const __m128d vs = _mm_sub_pd(_mm_add_pd(cy, _mm_add_pd(_mm_loadu_pd(xk2 + i), yk1)), half);
+      // Inside A both are positive: truncation is floor.
+      const __m128i c = _mm_cvttpd_epi32(us), row = _mm_cvttpd_epi32(vs);
+      auto fraction256 = [&](__m128d s, __m128i whole) {
+        return _mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(_mm_sub_pd(s, _mm_cvtepi32_pd(whole)), scale), half));
+      };
+      store(i, places(_mm_unpacklo_epi64(c, row)), _mm_unpacklo_epi64(fraction256(us, c), fraction256(vs, row)));
     }
   }
 
@@ -351,6 +380,7 @@ class TurnedA {
   ClampedFrame a_;
   double g_, k1_, k2_, cx_, cy_;
   bool antiAlias_;
+  bool scaledTaps_;  // c x 256 + the weight fits an int32
 };
 
 int32_t SpiralRender(t_KrRenderInfo* ri) {
