@@ -55,7 +55,7 @@ class TurnedA {
         cx_(rows.width * 0.5),
         cy_(rows.height * 0.5),
         antiAlias_(antiAlias),
-        scaledTaps_(rows.width < (1 << 22) && rows.height < (1 << 22)) {}
+        scaledTaps_(rows.width <= kScaledTapsSide && rows.height <= kScaledTapsSide) {}
 
   // Bands of rows, each painted in tiles of columns: the turned A pixels a
   // tile reads lie close together and stay in the caches.
@@ -94,6 +94,9 @@ class TurnedA {
  private:
   static constexpr int32_t kTileColumns = 128;
   static constexpr int32_t kTapRows = 8;  // rows of taps in flight in a tile
+  // The widest and tallest frame whose taps come from one truncation: far
+  // beyond any video frame, yet small enough for a test to reach the other way.
+  static constexpr int32_t kScaledTapsSide = 1 << 16;
 
   struct Row {
     double yk2, yk1;  // Y x k2 and Y x k1
@@ -252,8 +255,8 @@ class TurnedA {
   // Inside A, u - 0.5 >= 0 is exact, and so are (u - 0.5 - c) x 256 and that
   // plus 0.5: c x 256 + the weight is floor(u x 256 - 127.5), the difference
   // also exact while u x 256 stays below 2^52, and an int32 while the frame
-  // is under 2^22 pixels across and down. One truncation then gives both
-  // c and the weight, but for the weight 256, which it reads as c + 1 with
+  // is at most kScaledTapsSide pixels across and down. One truncation gives
+  // both c and the weight, but for the weight 256, which it reads as c + 1 with
   // weight 0: the same sample, the next pixel weighed alone either way. It
   // is taken so wherever the pixel after c + 1 still lies in A (where it
   // does not, c is taken back), so no read leaves A.
@@ -380,7 +383,7 @@ class TurnedA {
   ClampedFrame a_;
   double g_, k1_, k2_, cx_, cy_;
   bool antiAlias_;
-  bool scaledTaps_;  // c x 256 + the weight fits an int32
+  bool scaledTaps_;  // c x 256 + the weight is found as an int32
 };
 
 int32_t SpiralRender(t_KrRenderInfo* ri) {
