@@ -232,7 +232,8 @@ class TurnedA {
   }
 
   // X x k1 and X x k2 of a tile's columns and the one after it, which the
-  // taps found two at a time may reach.
+  // taps found two at a time may reach; times 256 where the taps come from
+  // u x 256 (a power of two: the same rounding throughout, scaled).
   struct TileColumns {
     int32_t begin;
     double xk1[kTileColumns + 1], xk2[kTileColumns + 1];
@@ -241,9 +242,10 @@ class TurnedA {
   TileColumns ColumnsOf(ColumnRange tile) const {
     TileColumns columns;
     columns.begin = tile.begin;
+    const double scale = scaledTaps_ ? 256.0 : 1.0;
     for (int32_t i = 0; i <= kTileColumns; ++i) {
-      columns.xk1[i] = X(tile.begin + i) * k1_;
-      columns.xk2[i] = X(tile.begin + i) * k2_;
+      columns.xk1[i] = (X(tile.begin + i) * k1_) * scale;
+      columns.xk2[i] = (X(tile.begin + i) * k2_) * scale;
     }
     return columns;
   }
@@ -286,13 +288,15 @@ class TurnedA {
       return _mm_add_epi64(rowStart, _mm_unpacklo_epi32(wholes, zero));
     };
     if (scaledTaps_) {
-      const __m128d scale = _mm_set1_pd(256.0), offset = _mm_set1_pd(127.5);
+      // u x 256 and v x 256 formed from the products times 256.
+      const __m128d cxs = _mm_set1_pd(cx_ * 256.0), cys = _mm_set1_pd(cy_ * 256.0);
+      const __m128d yk2s = _mm_set1_pd(r.yk2 * 256.0), yk1s = _mm_set1_pd(r.yk1 * 256.0), offset = _mm_set1_pd(127.5);
       const __m128i lastFirst = _mm_setr_epi32(rows_.width - 2, rows_.width - 2, rows_.height - 2, rows_.height - 2);
       for (int32_t i = 0; i < n; i += 2) {
-        const __m128d u = _mm_add_pd(cx, _mm_sub_pd(_mm_loadu_pd(xk1 + i), yk2));
-        const __m128d v = _mm_add_pd(cy, _mm_add_pd(_mm_loadu_pd(xk2 + i), yk1));
-        const __m128i scaled = _mm_unpacklo_epi64(_mm_cvttpd_epi32(_mm_sub_pd(_mm_mul_pd(u, scale), offset)),
-                                                  _mm_cvttpd_epi32(_mm_sub_pd(_mm_mul_pd(v, scale), offset)));
+        const __m128d us = _mm_add_pd(cxs, _mm_sub_pd(_mm_loadu_pd(xk1 + i), yk2s));
+        const __m128d vs = _mm_add_pd(cys, _mm_add_pd(_mm_loadu_pd(xk2 + i), yk1s));
+        const __m128i scaled = _mm_unpacklo_epi64(_mm_cvttpd_epi32(_mm_sub_pd(us, offset)),
+                                                  _mm_cvttpd_epi32(_mm_sub_pd(vs, offset)));
         __m128i wholes = _mm_srli_epi32(scaled, 8);
         wholes = _mm_add_epi32(wholes, _mm_cmpgt_epi32(wholes, lastFirst));
         store(i, places(wholes), _mm_sub_epi32(scaled, _mm_slli_epi32(wholes, 8)));
