@@ -288,15 +288,16 @@ class TurnedA {
       return _mm_add_epi64(rowStart, _mm_unpacklo_epi32(wholes, zero));
     };
     if (scaledTaps_) {
-      // u x 256 and v x 256 formed from the products times 256.
-      const __m128d cxs = _mm_set1_pd(cx_ * 256.0), cys = _mm_set1_pd(cy_ * 256.0);
-      const __m128d yk2s = _mm_set1_pd(r.yk2 * 256.0), yk1s = _mm_set1_pd(r.yk1 * 256.0), offset = _mm_set1_pd(127.5);
+      // u x 256 and v x 256, exactly, from the products times 256.
+      const __m128d cx256 = _mm_set1_pd(cx_ * 256.0), cy256 = _mm_set1_pd(cy_ * 256.0);
+      const __m128d yk2256 = _mm_set1_pd(r.yk2 * 256.0), yk1256 = _mm_set1_pd(r.yk1 * 256.0);
+      const __m128d offset = _mm_set1_pd(127.5);
       const __m128i lastFirst = _mm_setr_epi32(rows_.width - 2, rows_.width - 2, rows_.height - 2, rows_.height - 2);
       for (int32_t i = 0; i < n; i += 2) {
-        const __m128d us = _mm_add_pd(cxs, _mm_sub_pd(_mm_loadu_pd(xk1 + i), yk2s));
-        const __m128d vs = _mm_add_pd(cys, _mm_add_pd(_mm_loadu_pd(xk2 + i), yk1s));
-        const __m128i scaled = _mm_unpacklo_epi64(_mm_cvttpd_epi32(_mm_sub_pd(us, offset)),
-                                                  _mm_cvttpd_epi32(_mm_sub_pd(vs, offset)));
+        const __m128d u256 = _mm_add_pd(cx256, _mm_sub_pd(_mm_loadu_pd(xk1 + i), yk2256));
+        const __m128d v256 = _mm_add_pd(cy256, _mm_add_pd(_mm_loadu_pd(xk2 + i), yk1256));
+        const __m128i scaled = _mm_unpacklo_epi64(_mm_cvttpd_epi32(_mm_sub_pd(u256, offset)),
+                                                  _mm_cvttpd_epi32(_mm_sub_pd(v256, offset)));
         __m128i wholes = _mm_srli_epi32(scaled, 8);
         wholes = _mm_add_epi32(wholes, _mm_cmpgt_epi32(wholes, lastFirst));
         store(i, places(wholes), _mm_sub_epi32(scaled, _mm_slli_epi32(wholes, 8)));
