@@ -54,7 +54,8 @@ class TurnedA {
         k2_(Sin(theta) / g),
         cx_(rows.width * 0.5),
         cy_(rows.height * 0.5),
-        antiAlias_(antiAlias) {}
+        antiAlias_(antiAlias),
+        scaledTaps_(rows.width <= kScaledTapsSide && rows.height <= kScaledTapsSide) {}
 
   // Bands of rows, each painted in tiles of columns: the turned A pixels a
   // tile reads lie close together and stay in the caches.
@@ -93,6 +94,9 @@ class TurnedA {
  private:
   static constexpr int32_t kTileColumns = 128;
   static constexpr int32_t kTapRows = 8;  // rows of taps in flight in a tile
+  // The widest and tallest frame whose taps come from one truncation: far
+  // beyond any video frame, yet small enough for a test to reach the other way.
+  static constexpr int32_t kScaledTapsSide = 1 << 16;
 
   struct Row {
     double yk2, yk1;  // Y x k2 and Y x k1
@@ -179,7 +183,7 @@ class TurnedA {
   // the reads of a turned A cross its rows, and one row ahead leaves them
   // waiting on the memory.
   void PaintSoftTile(int32_t y0, const RowRuns* runs, int32_t n, ColumnRange tile) const {
-    Taps taps[kTapRows][kTileColumns + 1];
+    TapPair taps[kTapRows][kTileColumns / 2 + 1];
     const TileColumns columns = ColumnsOf(tile);
     // Within the tile even where the row shows nothing of A there.
     auto wholeOf = [&](int32_t i) {
@@ -213,12 +217,13 @@ class TurnedA {
     }
   }
 
-  // Where a sample's four pixels lie, the place row x W + c of the first in
-  // A, and its weights in 256ths across and up, each pair (256 - f) | f << 16
-  // as pmaddwd takes it.
-  struct Taps {
-    uint64_t at;
-    int32_t wx, wy;
+  // Where the samples of two columns side by side lie: the places row x W
+  // + c of the first of each one's four pixels in A, then their weights in
+  // 256ths across (both) and up (both), each pair (256 - f) | f << 16 as
+  // pmaddwd takes it.
+  struct TapPair {
+    uint64_t at[2];
+    int32_t weights[4];
   };
 
   static int32_t WeightPair(int32_t f) { return (256 - f) | (f << 16); }
@@ -227,7 +232,8 @@ class TurnedA {
   }
 
   // X x k1 and X x k2 of a tile's columns and the one after it, which the
-  // taps found two at a time may reach.
+  // taps found two at a time may reach; times 256 where the taps come from
+  // u x 256 (a power of two: the same rounding throughout, scaled).
   struct TileColumns {
     int32_t begin;
     double xk1[kTileColumns + 1], xk2[kTileColumns + 1];
@@ -236,9 +242,10 @@ class TurnedA {
   TileColumns ColumnsOf(ColumnRange tile) const {
     TileColumns columns;
     columns.begin = tile.begin;
+    const double scale = scaledTaps_ ? 256.0 : 1.0;
     for (int32_t i = 0; i <= kTileColumns; ++i) {
-      columns.xk1[i] = X(tile.begin + i) * k1_;
-      columns.xk2[i] = X(tile.begin + i) * k2_;
+      columns.xk1[i] = (X(tile.begin + i) * k1_) * scale;
+      columns.xk2[i] = (X(tile.begin + i) * k2_) * scale;
     }
     return columns;
   }
@@ -246,9 +253,18 @@ class TurnedA {
   // The taps of a run of at most a tile, two columns at a time in SSE2
   // doubles, each value rounded as the scalar formulas round it; their
   // pixels are asked of the cache as they are found.
-  void FindTaps(int32_t y, ColumnRange run, const TileColumns& columns, Taps* taps) const {
+  //
+  // Inside A, u - 0.5 >= 0 is exact, and so are (u - 0.5 - c) x 256 and that
+  // plus 0.5: c x 256 + the weight is floor(u x 256 - 127.5), the difference
+  // also exact while u x 256 stays below 2^52, and an int32 while the frame
+  // is at most kScaledTapsSide pixels across and down. One truncation gives
+  // both c and the weight, but for the weight 256, which it reads as c + 1 with
+  // weight 0: the same sample, the next pixel weighed alone either way. It
+  // is taken so wherever the pixel after c + 1 still lies in A (where it
+  // does not, c is taken back), so no read leaves A.
+  void FindTaps(int32_t y, ColumnRange run, const TileColumns& columns, TapPair* taps) const {
     const Row r = RowOf(y);
-    const __m128d half = _mm_set1_pd(0.5), scale = _mm_set1_pd(256.0), cx = _mm_set1_pd(cx_), cy = _mm_set1_pd(cy_);
+    const __m128d cx = _mm_set1_pd(cx_), cy = _mm_set1_pd(cy_);
     const __m128d yk2 = _mm_set1_pd(r.yk2), yk1 = _mm_set1_pd(r.yk1);
     const __m128i width = _mm_set1_epi32(rows_.width), zero = _mm_setzero_si128();
     const double* xk1 = columns.xk1 + (run.begin - columns.begin);
@@ -256,27 +272,48 @@ class TurnedA {
     const int32_t n = run.end - run.begin;
     const PixelWord* a = rows_.inputA;
     const size_t w = static_cast<size_t>(rows_.width);
-    for (int32_t i = 0; i < n; i += 2) {
-      const __m128d us = _mm_sub_pd(_mm_add_pd(cx, _mm_sub_pd(_mm_loadu_pd(xk1 + i), yk2)), half);
-      const __m128d vs = _mm_sub_pd(_mm_add_pd(cy, _mm_add_pd(_mm_loadu_pd(xk2 + i), yk1)), half);
-      // Inside A both are positive: truncation is floor, and row x W + c
-      // is formed in 64 bits.
-      const __m128i c = _mm_cvttpd_epi32(us), row = _mm_cvttpd_epi32(vs);
-      const __m128i rowStart = _mm_mul_epu32(_mm_unpacklo_epi32(row, zero), width);
-      const __m128i at = _mm_add_epi64(rowStart, _mm_unpacklo_epi32(c, zero));
-      auto fraction256 = [&](__m128d s, __m128i whole) {
-        return _mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(_mm_sub_pd(s, _mm_cvtepi32_pd(whole)), scale), half));
-      };
-      // The four weights at once, then each column's across and up side by side.
-      const __m128i weights = WeightPairs(_mm_unpacklo_epi64(fraction256(us, c), fraction256(vs, row)));
-      const __m128i pairs = _mm_shuffle_epi32(weights, _MM_SHUFFLE(3, 1, 2, 0));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i]), _mm_unpacklo_epi64(at, pairs));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(&taps[i + 1]), _mm_unpackhi_epi64(at, pairs));
+    auto store = [&](int32_t i, __m128i at, __m128i fractions) {
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(taps[i / 2].at), at);
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(taps[i / 2].weights), WeightPairs(fractions));
       // Only the first of the two is asked for: the second's pixels lie
       // beside them, or on lines the next pair asks for.
       const PixelWord* p0 = a + FirstPlace(at);
       __builtin_prefetch(p0);
       __builtin_prefetch(p0 + w);
+    };
+    // Row x W + c of the first pixels, c in lanes 0 and 1, rows in 2 and 3,
+    // formed in 64 bits.
+    auto places = [&](__m128i wholes) {
+      const __m128i rowStart = _mm_mul_epu32(_mm_shuffle_epi32(wholes, _MM_SHUFFLE(3, 3, 2, 2)), width);
+      return _mm_add_epi64(rowStart, _mm_unpacklo_epi32(wholes, zero));
+    };
+    if (scaledTaps_) {
+      // u x 256 and v x 256, exactly, from the products times 256.
+      const __m128d cx256 = _mm_set1_pd(cx_ * 256.0), cy256 = _mm_set1_pd(cy_ * 256.0);
+      const __m128d yk2256 = _mm_set1_pd(r.yk2 * 256.0), yk1256 = _mm_set1_pd(r.yk1 * 256.0);
+      const __m128d offset = _mm_set1_pd(127.5);
+      const __m128i lastFirst = _mm_setr_epi32(rows_.width - 2, rows_.width - 2, rows_.height - 2, rows_.height - 2);
+      for (int32_t i = 0; i < n; i += 2) {
+        const __m128d u256 = _mm_add_pd(cx256, _mm_sub_pd(_mm_loadu_pd(xk1 + i), yk2256));
+        const __m128d v256 = _mm_add_pd(cy256, _mm_add_pd(_mm_loadu_pd(xk2 + i), yk1256));
+        const __m128i scaled = _mm_unpacklo_epi64(_mm_cvttpd_epi32(_mm_sub_pd(u256, offset)),
+                                                  _mm_cvttpd_epi32(_mm_sub_pd(v256, offset)));
+        __m128i wholes = _mm_srli_epi32(scaled, 8);
+        wholes = _mm_add_epi32(wholes, _mm_cmpgt_epi32(wholes, lastFirst));
+        store(i, places(wholes), _mm_sub_epi32(scaled, _mm_slli_epi32(wholes, 8)));
+      }
+      return;
+    }
+    const __m128d half = _mm_set1_pd(0.5), scale = _mm_set1_pd(256.0);
+    for (int32_t i = 0; i < n; i += 2) {
+      const __m128d us = _mm_sub_pd(_mm_add_pd(cx, _mm_sub_pd(_mm_loadu_pd(xk1 + i), yk2)), half);
+      const __m128d vs = _mm_sub_pd(_mm_add_pd(cy, _mm_add_pd(_mm_loadu_pd(xk2 + i), yk1)), half);
+      // Inside A both are positive: truncation is floor.
+      const __m128i c = _mm_cvttpd_epi32(us), row = _mm_cvttpd_epi32(vs);
+      auto fraction256 = [&](__m128d s, __m128i whole) {
+        return _mm_cvttpd_epi32(_mm_add_pd(_mm_mul_pd(_mm_sub_pd(s, _mm_cvtepi32_pd(whole)), scale), half));
+      };
+      store(i, places(_mm_unpacklo_epi64(c, row)), _mm_unpacklo_epi64(fraction256(us, c), fraction256(vs, row)));
     }
   }
 
@@ -290,17 +327,22 @@ class TurnedA {
   }
 
   // The samples of a run's taps, two at a time.
-  void WeighTaps(int32_t y, ColumnRange run, const Taps* taps) const {
+  void WeighTaps(int32_t y, ColumnRange run, const TapPair* taps) const {
     const PixelWord* a = rows_.inputA;
     const size_t width = static_cast<size_t>(rows_.width);
     PixelWord* out = rows_.Out(y) + run.begin;
     const int32_t n = run.end - run.begin;
-    int32_t i = 0;
-    for (; i + 1 < n; i += 2) {
-      const __m128i bytes = _mm_packs_epi32(Weigh(a, width, taps[i]), Weigh(a, width, taps[i + 1]));
-      _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), _mm_packus_epi16(bytes, bytes));
+    const TapPair* t = taps;
+    for (const PixelWord* end = out + (n & ~1); out != end; out += 2, ++t) {
+      const __m128i w = _mm_loadu_si128(reinterpret_cast<const __m128i*>(t->weights));
+      const __m128i first = Weigh(a + static_cast<size_t>(t->at[0]), width, _mm_shuffle_epi32(w, _MM_SHUFFLE(0, 0, 0, 0)),
+                                  _mm_shuffle_epi32(w, _MM_SHUFFLE(2, 2, 2, 2)));
+      const __m128i second = Weigh(a + static_cast<size_t>(t->at[1]), width, _mm_shuffle_epi32(w, _MM_SHUFFLE(1, 1, 1, 1)),
+                                   _mm_shuffle_epi32(w, _MM_SHUFFLE(3, 3, 3, 3)));
+      const __m128i bytes = _mm_packs_epi32(first, second);
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(bytes, bytes));
     }
-    if (i < n) out[i] = Pixel(Weigh(a, width, taps[i]));
+    if (n & 1) *out = Pixel(Weigh(a + static_cast<size_t>(t->at[0]), width, _mm_set1_epi32(t->weights[0]), _mm_set1_epi32(t->weights[2])));
   }
 
   // The bilinear sample of A; where its four pixels all lie inside the frame
@@ -312,8 +354,8 @@ class TurnedA {
     const int32_t fx = static_cast<int32_t>((us - c) * 256.0 + 0.5);
     const int32_t fy = static_cast<int32_t>((vs - row) * 256.0 + 0.5);
     const size_t width = static_cast<size_t>(rows_.width);
-    const uint64_t at = static_cast<size_t>(row) * width + static_cast<size_t>(c);
-    return Pixel(Weigh(rows_.inputA, width, {at, WeightPair(fx), WeightPair(fy)}));
+    const size_t at = static_cast<size_t>(row) * width + static_cast<size_t>(c);
+    return Pixel(Weigh(rows_.inputA + at, width, _mm_set1_epi32(WeightPair(fx)), _mm_set1_epi32(WeightPair(fy))));
   }
 
   static uint32_t Pixel(__m128i bytes) {
@@ -327,16 +369,14 @@ class TurnedA {
   // P0 x (256 - fy) + P1 x fy; then across. Both sums are below 2^16, and
   // less 2^15 they fit pmaddwd's signed halves; the 2^15 x 256 so taken off
   // comes back with the 2^15 of the rounding.
-  static __m128i Weigh(const PixelWord* a, size_t width, const Taps& t) {
-    const PixelWord* p0 = a + static_cast<size_t>(t.at);
+  static __m128i Weigh(const PixelWord* p0, size_t width, __m128i wx, __m128i wy) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i rows = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0)),
                                            _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p0 + width)));
-    const __m128i wy = _mm_set1_epi32(t.wy);
     const __m128i left = _mm_madd_epi16(_mm_unpacklo_epi8(rows, zero), wy);
     const __m128i right = _mm_madd_epi16(_mm_unpackhi_epi8(rows, zero), wy);
     const __m128i pairs = _mm_xor_si128(_mm_or_si128(left, _mm_slli_epi32(right, 16)), _mm_set1_epi16(INT16_MIN));
-    const __m128i sum = _mm_add_epi32(_mm_madd_epi16(pairs, _mm_set1_epi32(t.wx)), _mm_set1_epi32(32768 * 257));
+    const __m128i sum = _mm_add_epi32(_mm_madd_epi16(pairs, wx), _mm_set1_epi32(32768 * 257));
     return _mm_srli_epi32(sum, 16);
   }
 
@@ -348,6 +388,7 @@ class TurnedA {
   ClampedFrame a_;
   double g_, k1_, k2_, cx_, cy_;
   bool antiAlias_;
+  bool scaledTaps_;  // c x 256 + the weight is found as an int32
 };
 
 int32_t SpiralRender(t_KrRenderInfo* ri) {

@@ -161,6 +161,21 @@ TEST(TurningTransitions, EveryPixelAsWorkedOutOneByOne) {
   }
 }
 
+// Spiral finds its soft samples' taps one way in frames up to 65536 pixels
+// across and down and another beyond; both as worked out pixel by pixel.
+TEST(TurningTransitions, SoftSamplesOfFramesEitherSideOfTheTapsLimit) {
+  const struct {
+    int32_t w, h;
+  } sizes[] = {{3, 65536}, {3, 65537}, {65536, 3}, {65537, 4}};
+  for (const auto& [w, h] : sizes) {
+    for (const double p : {0.01, 0.3}) {
+      const emu::Frame out = RenderCodedClips("Spiral", w, h, p, {{"Turns", 0}, {"Anti-Aliasing", 1}});
+      ASSERT_EQ(out.pixels, SpiralPixelByPixel(Coded(w, h, kTagA), Coded(w, h, kTagB), p, 0, false, true).pixels)
+          << w << "x" << h << " at " << p;
+    }
+  }
+}
+
 TEST(EdgeRuns, ASearchFromAnyGuessFindsTheSameRun) {
   // A predicate true up to (or from) a column, over ranges long and short.
   const struct {
