@@ -163,7 +163,10 @@ class Carpet {
       // for the lines a few rows on, which no prefetcher foresees.
       const double ahead = std::min(y + kPrefetchRows, rows_.height - 1) + 0.5;
       for (int32_t i = 0; i < n; i += 8) {
-        const auto at = static_cast<size_t>(std::min(std::max(ahead - columns.dc[i], 0.0), lastAcross_));
+        // Held to 0..last, the row fits an int32_t, whose conversion is one
+        // instruction on i386 too (not so a size_t's).
+        const double row = std::min(std::max(ahead - columns.dc[i], 0.0), lastAcross_);
+        const auto at = static_cast<size_t>(static_cast<int32_t>(row));
         __builtin_prefetch(rows_.inputB + columns.column[i] + at * acrossStride_);
       }
       PaintCarpetRow(y + 0.5, columns, n, out + carpet.begin, a + carpet.begin);
