@@ -335,14 +335,19 @@ class TurnedA {
     const TapPair* t = taps;
     for (const PixelWord* end = out + (n & ~1); out != end; out += 2, ++t) {
       const __m128i w = _mm_loadu_si128(reinterpret_cast<const __m128i*>(t->weights));
-      const __m128i first = Weigh(a + static_cast<size_t>(t->at[0]), width, _mm_shuffle_epi32(w, _MM_SHUFFLE(0, 0, 0, 0)),
+      const __m128i first = Weigh(a + static_cast<size_t>(t->at[0]), width,
+                                  _mm_shuffle_epi32(w, _MM_SHUFFLE(0, 0, 0, 0)),
                                   _mm_shuffle_epi32(w, _MM_SHUFFLE(2, 2, 2, 2)));
-      const __m128i second = Weigh(a + static_cast<size_t>(t->at[1]), width, _mm_shuffle_epi32(w, _MM_SHUFFLE(1, 1, 1, 1)),
+      const __m128i second = Weigh(a + static_cast<size_t>(t->at[1]), width,
+                                   _mm_shuffle_epi32(w, _MM_SHUFFLE(1, 1, 1, 1)),
                                    _mm_shuffle_epi32(w, _MM_SHUFFLE(3, 3, 3, 3)));
       const __m128i bytes = _mm_packs_epi32(first, second);
       _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(bytes, bytes));
     }
-    if (n & 1) *out = Pixel(Weigh(a + static_cast<size_t>(t->at[0]), width, _mm_set1_epi32(t->weights[0]), _mm_set1_epi32(t->weights[2])));
+    if (n & 1) {
+      *out = Pixel(Weigh(a + static_cast<size_t>(t->at[0]), width, _mm_set1_epi32(t->weights[0]),
+                         _mm_set1_epi32(t->weights[2])));
+    }
   }
 
   // The bilinear sample of A; where its four pixels all lie inside the frame
