@@ -60,7 +60,7 @@ class TurnedA {
   // Bands of rows, each painted in tiles of columns: the turned A pixels a
   // tile reads lie close together and stay in the caches.
   void Paint() const {
-    constexpr int32_t kBandRows = 32;
+    constexpr int32_t kBandRows = 64;
     RowRuns runs[kBandRows];
     // Where each of the eight searches of a row found its change, the guess
     // for the next row: A's edges move little from one row to the next.
